@@ -1,0 +1,17 @@
+# The module that hosts load: Tolmara.so, with no symbol visible but its two entry points, and the
+# bitmaps beside it.
+add_library(Tolmara MODULE)
+target_sources(Tolmara PRIVATE ${CMAKE_SOURCE_DIR}/plugin/exports.map)
+set_target_properties(Tolmara PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}
+  LINK_DEPENDS ${CMAKE_SOURCE_DIR}/plugin/exports.map LINKER_LANGUAGE CXX)
+tolmara_link(Tolmara plugin)
+target_link_options(Tolmara PRIVATE
+  -Wl,--version-script=${CMAKE_SOURCE_DIR}/plugin/exports.map -Wl,-Bsymbolic -Wl,-z,nodelete)
+if(NOT TOLMARA_SANITIZE)
+  target_link_options(Tolmara PRIVATE -Wl,-z,defs)
+endif()
+add_custom_command(TARGET Tolmara POST_BUILD
+  COMMAND ${CMAKE_COMMAND} -E copy_directory
+          ${CMAKE_SOURCE_DIR}/resources/img ${CMAKE_BINARY_DIR}/resources/img)
+install(TARGETS Tolmara LIBRARY DESTINATION Tolmara)
+install(DIRECTORY resources/img DESTINATION Tolmara/resources)
