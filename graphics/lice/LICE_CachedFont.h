@@ -1,0 +1,61 @@
+// Text on bitmaps, from a cache of glyph images.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "graphics/lice/LICE_Bitmap.h"
+#include "graphics/lice/LICE_PlatformFont.h"
+
+// SetFromHFont flags.
+constexpr int LICE_FONT_FLAG_OWNS_HFONT = 0x200;
+constexpr int LICE_FONT_FLAG_FORCE_NATIVE = 0x400;  // the platform draws no other way than this
+
+// DrawText flags: one of the three alignments, and options.
+constexpr int LICE_TEXT_NEAR = 0x100;
+constexpr int LICE_TEXT_CENTRE = 0x104;
+constexpr int LICE_TEXT_FAR = 0x120;
+constexpr int LICE_TEXT_MEASURE = 1;             // draw nothing, fill in the rectangle
+constexpr int LICE_TEXT_USE_ALPHA = 0x40000000;  // weigh by the colour's alpha
+
+struct LICE_Rect {
+  int left, top, right, bottom;  // right and bottom are outside
+};
+
+// A font as text is drawn with: glyphs are rendered at their first use and kept, sorted by
+// character code. Calls may come from several threads; a colour and the text that it is meant for
+// are two calls, so who shares a font between threads holds a lock of his own over both.
+class LICE_CachedFont {
+ public:
+  LICE_CachedFont() = default;
+  LICE_CachedFont(const LICE_CachedFont&) = delete;
+  LICE_CachedFont& operator=(const LICE_CachedFont&) = delete;
+
+  // Takes a font (null: none) and forgets all glyphs. Without LICE_FONT_FLAG_OWNS_HFONT the
+  // caller keeps `font` alive while it is set here.
+  void SetFromHFont(LICE_PlatformFont* font, int flags);
+  void SetTextColor(LICE_pixel color);
+
+  // Draws UTF-8 `text` of `length` bytes (-1: up to the terminating zero) on one line: aligned
+  // horizontally in `rect` by `flags`, its line box starting at the top of `rect`, clipped to
+  // nothing but the bitmap. Returns the height of the text, 0 without a font. With
+  // LICE_TEXT_MEASURE (`bitmap` may be null) it only sets rect's right and bottom to its left and
+  // top plus the size of the text.
+  int DrawText(LICE_IBitmap* bitmap, const char* text, int length, LICE_Rect* rect, int flags);
+  int GetLineHeight();  // pixels; 0 without a font
+
+ private:
+  struct Glyph {
+    char32_t code;
+    LICE_GlyphImage image;
+  };
+
+  const LICE_GlyphImage& GlyphOf(char32_t code);
+
+  std::mutex mMutex;  // guards all below
+  LICE_PlatformFont* mFont = nullptr;
+  std::unique_ptr<LICE_PlatformFont> mOwned;  // mFont, when it is ours
+  std::vector<Glyph> mGlyphs;                 // ascending code
+  LICE_pixel mColor = 0;
+};
