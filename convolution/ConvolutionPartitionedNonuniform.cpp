@@ -1,0 +1,145 @@
+// The non-uniformly partitioned convolver: schedule of levels, and the work of one call.
+#include "convolution/ConvolutionPartitionedNonuniform.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+
+#include "convolution/Ring.h"
+
+namespace {
+
+// Block of the level that starts at first_tap: half of it, halved on while two partitions would run
+// far past the end of the response.
+int level_block(int first_tap, int fir_size, int block_size) {
+  if (first_tap == 0) return block_size;
+  int block = first_tap;
+  do block /= 2;
+  while (block + first_tap > fir_size);
+  return std::max(block, block_size);
+}
+
+}  // namespace
+
+template <class T>
+ConvolutionPartitionedNonuniform<T>::FDL::FDL(int block_, const AlignedVector<T>& h, int delay_,
+                                              int N)
+    : conv(std::make_unique<ConvolutionPartitioned<T>>(block_, h)),
+      block(block_),
+      delay(delay_),
+      M_p_half(conv->get_M_p_half()),
+      N_partitions(conv->get_N_partitions()),
+      x(static_cast<std::size_t>(block_)),
+      y(static_cast<std::size_t>(block_)),
+      phase_count(static_cast<int>(std::ceil(static_cast<float>(block_) / static_cast<float>(N)))) {
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::FDL::flush() {
+  std::fill(x.begin(), x.end(), T(0));
+  std::fill(y.begin(), y.end(), T(0));
+  conv->flush();
+}
+
+template <class T>
+ConvolutionPartitionedNonuniform<T>::ConvolutionPartitionedNonuniform(int block_size_,
+                                                                      const AlignedVector<T>& h,
+                                                                      int max_fft_pow) {
+  update(block_size_, h, max_fft_pow);
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::update(int block_size_, const AlignedVector<T>& h,
+                                                 int max_fft_pow) {
+  assert(block_size_ > 0 && !h.empty());
+  block_size = block_size_;
+  fir_size = static_cast<int>(h.size());
+  x_ring_size = block_size + fir_size - 1;
+  x_ring_size -= x_ring_size % block_size;
+  x_position = 0;
+  x_ring = AlignedVector<T>(static_cast<std::size_t>(x_ring_size));
+
+  levels.clear();
+  const bool bounded = max_fft_pow != -1;
+  const int limit = bounded ? block_size << (max_fft_pow & 31) : -1;
+  int first_tap = 0;
+  while (first_tap < fir_size) {
+    const int block = level_block(first_tap, fir_size, block_size);
+    if (bounded && block >= limit) {
+      const int tail = limit - 1 - first_tap + fir_size;
+      add_level(limit, tail - tail % limit, h, first_tap);
+      break;
+    }
+    add_level(block, 2 * block, h, first_tap);
+    first_tap = first_tap == 0 ? 2 * block_size : 2 * first_tap;
+  }
+
+  level_count = static_cast<int>(levels.size());
+  int largest = 0;
+  for (const auto& level : levels) largest = std::max(largest, level->block);
+  y_ring_size = 2 * largest + block_size;
+  y_position = 0;
+  y_ring = AlignedVector<T>(static_cast<std::size_t>(y_ring_size));
+}
+
+// Appends the level of the tap_count taps from first_tap on, zeros standing for taps past the end.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::add_level(int block, int tap_count,
+                                                    const AlignedVector<T>& h, int first_tap) {
+  AlignedVector<T> taps(static_cast<std::size_t>(tap_count));
+  std::copy_n(h.data() + first_tap, std::min(tap_count, fir_size - first_tap), taps.data());
+  levels.push_back(std::make_unique<FDL>(block, taps, first_tap / 2, block_size));
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::process(const AlignedVector<T>& x, AlignedVector<T>& y) {
+  std::copy_n(x.data(), block_size, x_ring.data() + x_position);
+  for (auto& level : levels) {
+    if (level->phase == 0) capture(*level);
+  }
+  for (auto& level : levels) accumulate(*level);
+  for (auto& level : levels) {
+    if (level->phase == level->phase_count) finish(*level);
+  }
+  x_position = (x_position + block_size) % x_ring_size;
+  ring_take(y_ring, y_position, y.data(), block_size);
+}
+
+// Takes the level's next input block out of x_ring and transforms it.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::capture(FDL& level) {
+  const int start = (x_position + x_ring_size - level.delay) % x_ring_size;
+  ring_copy(x_ring, start, level.x.data(), level.block);
+  level.conv->process_X(level.x);
+  level.capture_position = y_position;
+  level.write_position = (y_position + level.delay) % y_ring_size;
+}
+
+// Does one call's share of the level's multiply-adds; the last share takes the remaining bins.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::accumulate(FDL& level) {
+  const auto chunk = static_cast<int>(
+      std::floor(static_cast<float>(level.M_p_half) / static_cast<float>(level.phase_count)));
+  const int first = level.phase * chunk;
+  const bool is_last = level.phase == level.phase_count - 1;
+  const int count = is_last ? level.M_p_half - first : chunk;
+  for (int p = 0; p < level.N_partitions; ++p) level.conv->process_partition(p, first, count);
+  level.phase += 1;
+}
+
+// Transforms the level's finished block back and lays it where its time will come.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::finish(FDL& level) {
+  level.phase = 0;
+  level.conv->process_Y(level.y);
+  ring_add(y_ring, level.write_position, level.y.data(), level.block);
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::flush() {
+  for (auto& level : levels) level->flush();
+  std::fill(x_ring.begin(), x_ring.end(), T(0));
+  std::fill(y_ring.begin(), y_ring.end(), T(0));
+}
+
+template class ConvolutionPartitionedNonuniform<float>;
