@@ -28,6 +28,11 @@ TEST(AllocationGuard, SeesEveryRoadToTheHeap) {
   { const AlignedVector<float> buffer(100); }
   EXPECT_EQ(aligned.allocations(), 1);
   EXPECT_EQ(aligned.frees(), 1);
+  const AllocationGuard over_aligned;
+  escape = aligned_alloc(64, 128);
+  EXPECT_EQ(over_aligned.allocations(), 1);
+  free(escape);
+  EXPECT_EQ(over_aligned.frees(), 1);
   const AllocationGuard in_library;
   escape = new std::string(1000, 'x');
   EXPECT_EQ(in_library.allocations(), 2);

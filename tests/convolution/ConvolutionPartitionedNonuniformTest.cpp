@@ -80,8 +80,10 @@ TEST(ConvolutionPartitionedNonuniform, EqualsDirectConvolutionAtEveryLevelBounda
       const auto h = random_signal(M, 2);
       const auto x = random_signal((M / N + 4) * 5 / 2 * N, 3);  // goes round the input ring twice
       const auto expected = reference::convolve(x, h);
+      std::set<std::vector<Level>> seen;  // many powers give a short response the same levels
       for (int max_fft_pow = -1; max_fft_pow <= 12; ++max_fft_pow) {
         Convolver convolver(N, h, max_fft_pow);
+        if (!seen.insert(Probe::levels(convolver)).second) continue;
         SCOPED_TRACE(testing::Message()
                      << "block " << N << ", taps " << M << ", power " << max_fft_pow);
         expect_stream(stream(convolver, N, x), expected);

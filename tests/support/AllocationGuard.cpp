@@ -6,12 +6,16 @@
 
 #include <cstddef>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TOLMARA_SANITIZER_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TOLMARA_SANITIZER_HEAP 1
+#if defined(__has_feature)
+#define TOLMARA_HAS_FEATURE(name) __has_feature(name)
+#else
+#define TOLMARA_HAS_FEATURE(name) 0
 #endif
+#if defined(__SANITIZE_THREAD__) || TOLMARA_HAS_FEATURE(thread_sanitizer)
+#define TOLMARA_THREAD_SANITIZER 1
+#endif
+#if defined(__SANITIZE_ADDRESS__) || TOLMARA_HAS_FEATURE(address_sanitizer)
+#define TOLMARA_ADDRESS_SANITIZER 1
 #endif
 
 namespace {
@@ -20,9 +24,16 @@ constinit thread_local long allocation_count = 0;
 constinit thread_local long free_count = 0;
 constinit thread_local long lock_count = 0;
 
+// The thread sanitizer calls no hook for aligned allocations.
+void count_unhooked_allocation() {
+#ifdef TOLMARA_THREAD_SANITIZER
+  ++allocation_count;
+#endif
+}
+
 }  // namespace
 
-#ifdef TOLMARA_SANITIZER_HEAP
+#if defined(TOLMARA_ADDRESS_SANITIZER) || defined(TOLMARA_THREAD_SANITIZER)
 
 // The sanitizers own the heap and offer hooks instead. gcc ships no header for this entry.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*malloc_hook)(const volatile void*,
@@ -103,15 +114,29 @@ TOLMARA_HEAP_ENTRY void free(void* p) {
 
 #endif
 
-// The linker's --wrap sends every reference to pthread_mutex_lock here.
+// The linker's --wrap sends the program's own calls of these entries here.
 extern "C" {
 
 int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __real_posix_memalign(void** out, std::size_t alignment, std::size_t size);
+int __wrap_posix_memalign(void** out, std::size_t alignment, std::size_t size);
+void* __real_aligned_alloc(std::size_t alignment, std::size_t size);
+void* __wrap_aligned_alloc(std::size_t alignment, std::size_t size);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   ++lock_count;
   return __real_pthread_mutex_lock(mutex);
+}
+
+int __wrap_posix_memalign(void** out, std::size_t alignment, std::size_t size) {
+  count_unhooked_allocation();
+  return __real_posix_memalign(out, alignment, size);
+}
+
+void* __wrap_aligned_alloc(std::size_t alignment, std::size_t size) {
+  count_unhooked_allocation();
+  return __real_aligned_alloc(alignment, size);
 }
 
 }  // extern "C"
