@@ -1,0 +1,67 @@
+// The rings delay by exactly one block, whatever frame counts the host uses.
+#include "plugin/ChannelRing.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+namespace {
+
+// Runs a counting signal through a ring that copies its blocks; the output must be the input one
+// block later, sample for sample.
+void ExpectDelayOfOneBlock(int B, const std::vector<int>& frameCounts) {
+  ChannelRing ring;
+  ring.Allocate(B);
+  AlignedVector<float> block(static_cast<size_t>(B));
+  int position = 0;
+  for (const int n : frameCounts) {
+    std::vector<double> in(static_cast<size_t>(n)), out(in.size());
+    for (int i = 0; i < n; ++i) in[static_cast<size_t>(i)] = position + i + 1;
+    ring.WriteInput(in.data(), n);
+    if (ring.HasBlock(n)) {
+      ring.TakeBlock(block.data());
+      ring.PutBlock(block.data());
+    }
+    ring.ReadOutput(out.data(), n);
+    for (int i = 0; i < n; ++i, ++position) {
+      const double want = position < B ? 0.0 : position - B + 1;
+      ASSERT_EQ(out[static_cast<size_t>(i)], want) << "B " << B << " at " << position;
+    }
+  }
+}
+
+}  // namespace
+
+TEST(ChannelRing, DelaysByOneBlockForFixedFrameCounts) {
+  for (const int B : {1, 2, 3, 64, 100, 513}) {
+    for (const int n : {1, B / 4, B / 3, B - 1, B}) {
+      if (n > 0) ExpectDelayOfOneBlock(B, std::vector<int>(static_cast<size_t>(7 * B / n + 3), n));
+    }
+  }
+}
+
+TEST(ChannelRing, DelaysByOneBlockForFrameCountsThatChangeFromCallToCall) {
+  std::mt19937 random(7);
+  for (const int B : {5, 64, 129}) {
+    std::vector<int> counts(400);
+    for (int& n : counts) n = std::uniform_int_distribution(1, B)(random);
+    ExpectDelayOfOneBlock(B, counts);
+  }
+}
+
+TEST(ChannelRing, ClearSilencesTheSignalAndKeepsThePositions) {
+  ChannelRing ring;
+  ring.Allocate(8);
+  const std::vector<double> ones(5, 1.0);
+  std::vector<double> out(5);
+  ring.WriteInput(ones.data(), 5);
+  ring.ReadOutput(out.data(), 5);
+  ring.Clear();
+  EXPECT_EQ(ring.writePos, 5);
+  ring.WriteInput(ones.data(), 5);
+  ASSERT_TRUE(ring.HasBlock(5));
+  AlignedVector<float> block(8);
+  ring.TakeBlock(block.data());
+  EXPECT_EQ(block, (AlignedVector<float>{0, 0, 0, 0, 0, 1, 1, 1}));
+}
