@@ -45,13 +45,19 @@ class LICE_CachedFont {
   int DrawText(LICE_IBitmap* bitmap, const char* text, int length, LICE_Rect* rect, int flags);
   int GetLineHeight();  // pixels; 0 without a font
 
+  struct Extent {
+    int left, right;  // columns; right is outside
+  };
+
  private:
   struct Glyph {
     char32_t code;
     LICE_GlyphImage image;
   };
 
+  // Both need mMutex held and a font. A glyph is valid until the next call.
   const LICE_GlyphImage& GlyphOf(char32_t code);
+  Extent ExtentOf(const std::vector<char32_t>& codes);
 
   std::mutex mMutex;  // guards all below
   LICE_PlatformFont* mFont = nullptr;

@@ -1,0 +1,180 @@
+// Straight lines.
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+#include "graphics/lice/LICE_Draw.h"
+#include "graphics/lice/LICE_Pen.h"
+#include "graphics/lice/LICE_Surface.h"
+
+namespace {
+
+struct Segment {
+  double x1, y1, x2, y2;
+};
+
+// Lines are exact up to this coordinate, in which the integer arithmetic below stays in 64 bits.
+constexpr double kReach = 1 << 29;
+
+// Narrows the part [t0, t1] of the line p + t * d to where it lies within +-kReach.
+bool Narrow(double p, double d, double& t0, double& t1) {
+  if (d == 0.0) return std::abs(p) <= kReach;
+  double enter = (-kReach - p) / d;
+  double leave = (kReach - p) / d;
+  if (enter > leave) std::swap(enter, leave);
+  t0 = std::max(t0, enter);
+  t1 = std::min(t1, leave);
+  return t0 <= t1;
+}
+
+// Cuts a line with a far end to within reach. False if nothing of it is left, or for NaN.
+bool CutToReach(Segment& s) {
+  for (double* v : {&s.x1, &s.y1, &s.x2, &s.y2}) {
+    if (std::isnan(*v)) return false;
+    *v = std::clamp(*v, -1e39, 1e39);  // just beyond any finite float
+  }
+  const double dx = s.x2 - s.x1, dy = s.y2 - s.y1;
+  double t0 = 0.0, t1 = 1.0;
+  if (!Narrow(s.x1, dx, t0, t1) || !Narrow(s.y1, dy, t0, t1)) return false;
+  // Each end is measured from the given end nearer to it, which loses the least.
+  const auto at = [](double from, double to, double t) {
+    const double v = t < 0.5 ? from + (to - from) * t : to - (to - from) * (1.0 - t);
+    return std::clamp(v, -kReach, kReach);
+  };
+  s = {at(s.x1, s.x2, t0), at(s.y1, s.y2, t0), at(s.x1, s.x2, t1), at(s.y1, s.y2, t1)};
+  return true;
+}
+
+// A line along its longer axis ("major"): the pixel at step i lies at major m0 + i and minor
+// n0 + sign * floor((2 i dn + dm) / (2 dm)), rounding to the nearest and halves away from n0.
+struct Walk {
+  std::int64_t m0, n0, dm, dn;  // dm >= dn >= 0
+  int sign;
+};
+
+std::int64_t CeilDiv(std::int64_t a, std::int64_t b) {  // b > 0
+  return a >= 0 ? (a + b - 1) / b : -(-a / b);
+}
+
+// The steps [first, last] of the walk whose pixels lie in [0, major_size) x [0, minor_size).
+bool VisibleSteps(const Walk& w, int major_size, int minor_size, std::int64_t& first,
+                  std::int64_t& last) {
+  first = std::max<std::int64_t>(0, -w.m0);
+  last = std::min(w.dm, major_size - 1 - w.m0);
+  // Moves along minor that stay inside: from `lo` to `hi`.
+  const std::int64_t lo = w.sign > 0 ? -w.n0 : w.n0 - (minor_size - 1);
+  const std::int64_t hi = w.sign > 0 ? minor_size - 1 - w.n0 : w.n0;
+  if (hi < 0 || lo > w.dn) return false;
+  if (w.dn > 0) {
+    if (lo > 0) first = std::max(first, CeilDiv(2 * w.dm * lo - w.dm, 2 * w.dn));
+    if (hi < w.dn) last = std::min(last, CeilDiv(2 * w.dm * (hi + 1) - w.dm, 2 * w.dn) - 1);
+  }
+  return first <= last;
+}
+
+// Paints the steps of the walk on pixels at p + major * major_stride + minor * minor_stride.
+template <typename Pen>
+void PaintWalk(const LICE_Surface& s, const Walk& w, bool steep, const Pen& pen) {
+  std::int64_t first, last;
+  if (!VisibleSteps(w, steep ? s.h : s.w, steep ? s.w : s.h, first, last)) return;
+  const std::ptrdiff_t major_step = steep ? s.stride : 1;
+  const std::ptrdiff_t minor_step = (steep ? 1 : s.stride) * w.sign;
+  std::int64_t moved = 0, rest = 0;
+  if (w.dn > 0) {
+    moved = (2 * first * w.dn + w.dm) / (2 * w.dm);
+    rest = (2 * first * w.dn + w.dm) % (2 * w.dm);
+  }
+  const std::int64_t major = w.m0 + first, minor = w.n0 + w.sign * moved;
+  LICE_pixel* p =
+      s.at(static_cast<int>(steep ? minor : major), static_cast<int>(steep ? major : minor));
+  for (std::int64_t i = first;; ++i) {
+    *p = pen(*p);
+    if (i == last) return;
+    p += major_step;
+    rest += 2 * w.dn;
+    if (rest >= 2 * w.dm) {
+      rest -= 2 * w.dm;
+      p += minor_step;
+    }
+  }
+}
+
+// Fast path of a line within one column: the waveform display draws hundreds of thousands.
+template <typename Pen>
+void PaintColumn(const LICE_Surface& s, int x, int y1, int y2, const Pen& pen) {
+  if (y1 > y2) std::swap(y1, y2);
+  if (x < 0 || x >= s.w || y2 < 0 || y1 >= s.h) return;
+  y1 = std::max(y1, 0);
+  y2 = std::min(y2, s.h - 1);
+  LICE_pixel* p = s.at(x, y1);
+  for (int n = y2 - y1; n >= 0; --n, p += s.stride) *p = pen(*p);
+}
+
+template <typename Pen>
+void PaintLine(const LICE_Surface& s, int x1, int y1, int x2, int y2, const Pen& pen) {
+  if (x1 == x2) return PaintColumn(s, x1, y1, y2, pen);
+  const bool steep = std::abs(y2 - y1) > std::abs(x2 - x1);
+  if (steep) {
+    std::swap(x1, y1);
+    std::swap(x2, y2);
+  }
+  if (x1 > x2) {
+    std::swap(x1, x2);
+    std::swap(y1, y2);
+  }
+  const Walk walk{x1, y1, x2 - x1, std::abs(y2 - y1), y2 < y1 ? -1 : 1};
+  PaintWalk(s, walk, steep, pen);
+}
+
+int RoundDown(double v) {
+  const int i = static_cast<int>(v);
+  return i - (v < i);
+}
+
+// Pixels of both sides of the ideal line, weighted by their distance to it, along the longer
+// axis; each position is computed from the line's own start, so clipping doesn't move it.
+template <typename Pen>
+void PaintSmoothLine(const LICE_Surface& s, Segment l, const Pen& pen) {
+  const bool steep = std::abs(l.y2 - l.y1) > std::abs(l.x2 - l.x1);
+  if (steep) {
+    std::swap(l.x1, l.y1);
+    std::swap(l.x2, l.y2);
+  }
+  if (l.x1 > l.x2) {
+    std::swap(l.x1, l.x2);
+    std::swap(l.y1, l.y2);
+  }
+  const int major_size = steep ? s.h : s.w, minor_size = steep ? s.w : s.h;
+  const double slope = l.x2 > l.x1 ? (l.y2 - l.y1) / (l.x2 - l.x1) : 0.0;
+  const int first = std::max(0, RoundDown(l.x1));
+  const int last = std::min(major_size - 1, -RoundDown(-l.x2));
+  const auto paint = [&](int major, int minor, double coverage) {
+    if (minor < 0 || minor >= minor_size) return;
+    LICE_pixel& p = steep ? *s.at(minor, major) : *s.at(major, minor);
+    const int c = static_cast<int>(coverage * 256.0 + 0.5);
+    p = c >= 256 ? pen(p) : pen(p, c);
+  };
+  for (int m = first; m <= last; ++m) {
+    // The line's caps reach half a pixel beyond its ends.
+    const double along = std::min(l.x2 + 0.5, m + 0.5) - std::max(l.x1 - 0.5, m - 0.5);
+    const double n = l.y1 + (std::clamp<double>(m, l.x1, l.x2) - l.x1) * slope;
+    const int below = RoundDown(n);
+    paint(m, below, along * (1.0 - (n - below)));
+    paint(m, below + 1, along * (n - below));
+  }
+}
+
+}  // namespace
+
+void LICE_Line(LICE_IBitmap* dest, float x1, float y1, float x2, float y2, LICE_pixel color,
+               float alpha, int mode, bool antiAlias) {
+  const LICE_Surface s(dest);
+  if (!s.top) return;
+  Segment l{x1, y1, x2, y2};
+  const auto near = [](float v) { return std::abs(v) <= static_cast<float>(kReach); };
+  if (!(near(x1) && near(y1) && near(x2) && near(y2)) && !CutToReach(l)) return;
+  LICE_WithPen(color, alpha, mode, [&](const auto& pen) {
+    if (antiAlias) return PaintSmoothLine(s, l, pen);
+    PaintLine(s, RoundDown(l.x1), RoundDown(l.y1), RoundDown(l.x2), RoundDown(l.y2), pen);
+  });
+}

@@ -1,0 +1,68 @@
+// A colour with a weight and a mode, as one function over the destination pixel. Private to the
+// rasteriser.
+#pragma once
+
+#include "graphics/lice/LICE_Blend.h"
+
+#if defined(__SSE2__) && !defined(TOLMARA_SCALAR)
+#include <emmintrin.h>
+#endif
+
+// Any mode at any weight. The two-argument form has the weight scaled by a coverage in 256ths.
+template <typename Mode>
+struct LICE_ModePen {
+  LICE_pixel color;
+  int a;
+
+  LICE_pixel operator()(LICE_pixel d) const { return Mode::Mix(d, color, a); }
+  LICE_pixel operator()(LICE_pixel d, int coverage) const {
+    return Mode::Mix(d, color, a * coverage / 256);
+  }
+};
+
+// Fast path: a copy at full weight stores the colour.
+struct LICE_StorePen : LICE_ModePen<LICE_CopyMode> {
+  LICE_pixel operator()(LICE_pixel) const { return color; }
+  LICE_pixel operator()(LICE_pixel d, int coverage) const {
+    return LICE_ModePen::operator()(d, coverage);
+  }
+};
+
+// Adds four bytes, each up to 255.
+inline LICE_pixel LICE_AddSaturated(LICE_pixel d, LICE_pixel s) {
+#if defined(__SSE2__) && !defined(TOLMARA_SCALAR)
+  return static_cast<LICE_pixel>(_mm_cvtsi128_si32(_mm_adds_epu8(
+      _mm_cvtsi32_si128(static_cast<int>(d)), _mm_cvtsi32_si128(static_cast<int>(s)))));
+#else
+  // Lower seven bits add without crossing bytes; the top bits and their carries follow.
+  constexpr LICE_pixel kTop = 0x80808080;
+  const LICE_pixel low = (d & ~kTop) + (s & ~kTop);
+  const LICE_pixel carry = ((d & s) | ((d | s) & low)) & kTop;
+  return (low ^ ((d ^ s) & kTop)) | ((carry >> 7) * 0xFF);
+#endif
+}
+
+// Fast path: with a weight that is not negative, what an addition adds is the same everywhere.
+struct LICE_AddPen : LICE_ModePen<LICE_AddMode> {
+  LICE_AddPen(LICE_pixel c, int weight)
+      : LICE_ModePen{c, weight}, sum(LICE_AddMode::Mix(0, c, weight)) {}
+
+  LICE_pixel operator()(LICE_pixel d) const { return LICE_AddSaturated(d, sum); }
+  LICE_pixel operator()(LICE_pixel d, int coverage) const {
+    return LICE_ModePen::operator()(d, coverage);
+  }
+
+  LICE_pixel sum;
+};
+
+// Calls `fn` with the pen of a colour; not at all if it would paint nothing.
+template <typename Fn>
+void LICE_WithPen(LICE_pixel color, float alpha, int mode, Fn&& fn) {
+  if (mode & LICE_BLIT_USE_ALPHA) alpha *= static_cast<float>(LICE_GETA(color)) / 255.0f;
+  const int a = LICE_Weight256(alpha);
+  if (a == 0) return;
+  const int op = mode & LICE_BLIT_MODE_MASK;
+  if (op == LICE_BLIT_MODE_COPY && a == 256) return fn(LICE_StorePen{{color, a}});
+  if (op == LICE_BLIT_MODE_ADD && a > 0) return fn(LICE_AddPen(color, a));
+  LICE_WithMode(mode, [&]<typename Mode>(Mode) { fn(LICE_ModePen<Mode>{color, a}); });
+}
