@@ -60,6 +60,7 @@ class IControl {
   double GetClampLo() const { return Load(mClampLo); }
   double GetClampHi() const { return Load(mClampHi); }
   void SetClamp(double lo, double hi) { Store(mClampLo, lo), Store(mClampHi, hi); }
+  IText& GetText() { return mText; }
   const IText& GetText() const { return mText; }
   void SetText(const IText& text) { mText = text; }
   int GetTextEntryLength() const { return mTextEntryLength; }
@@ -91,8 +92,7 @@ class IControl {
   bool GetDirtyFlag() const { return Load(mDirty); }
   void MarkDirty();                            // mDirty alone: no clamp, no push
   void MarkRedraw() { Store(mRedraw, true); }  // stay dirty for one more frame
-  // What the parameter shows, with its texts; "" without a parameter. `text` holds kDisplayLength.
-  static constexpr int kDisplayLength = 128;
+  // What the parameter shows, with its texts; "" without one. `text` holds IParam::kTextSize.
   void GetParamDisplay(char* text) const;
 
   int mTextEntryLength = 7;  // limit of typed entry, in characters

@@ -1,6 +1,8 @@
 // Pop-up menus as data; the window layer shows them.
 #pragma once
 
+#include <memory>
+
 #include "iplug/Containers.h"
 
 class IPopupMenu;
@@ -51,7 +53,7 @@ class IPopupMenu {
   const char* GetItemText(int index) const;  // "" out of range
 
  private:
-  void Insert(IPopupMenuItem* item, int index);
+  void Insert(std::unique_ptr<IPopupMenuItem> item, int index);
 
   int mPrefix = 0;
   int mChosenItemIdx = -1;  // until chosen
