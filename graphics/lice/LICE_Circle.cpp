@@ -38,10 +38,13 @@ void PaintCovered(LICE_IBitmap* dest, const Box& box, LICE_pixel color, float al
 }
 
 // Coverage by a disc of radius r of the pixel that is (dx, dy) from its centre.
-double Disc(double dx, double dy, double r, bool smooth) {
-  const double d = std::sqrt(dx * dx + dy * dy);
-  if (!smooth) return d <= r ? 1.0 : 0.0;
-  return std::clamp(r + 0.5 - d, 0.0, 1.0);
+double Disc(double dx, double dy, double r) {
+  return std::clamp(r + 0.5 - std::sqrt(dx * dx + dy * dy), 0.0, 1.0);
+}
+
+// The sharp disc is the sharp ring of radius r and all that lies in it.
+double SharpDisc(double dx, double dy, double r) {
+  return dx * dx + dy * dy < (r + 0.5) * (r + 0.5) ? 1.0 : 0.0;
 }
 
 // Coverage by a ring of radius r, one pixel wide. The sharp ring takes one pixel per step along
@@ -80,8 +83,10 @@ struct RoundBox {
 void LICE_FillCircle(LICE_IBitmap* dest, float cx, float cy, float r, LICE_pixel color, float alpha,
                      int mode, bool antiAlias) {
   if (!(r >= 0.0f)) return;
-  PaintCovered(dest, Around(cx, cy, r + 1.0), color, alpha, mode,
-               [&](int x, int y) { return Disc(x - double{cx}, y - double{cy}, r, antiAlias); });
+  PaintCovered(dest, Around(cx, cy, r + 1.0), color, alpha, mode, [&](int x, int y) {
+    const double dx = x - double{cx}, dy = y - double{cy};
+    return antiAlias ? Disc(dx, dy, r) : SharpDisc(dx, dy, r);
+  });
 }
 
 void LICE_Circle(LICE_IBitmap* dest, float cx, float cy, float r, LICE_pixel color, float alpha,
@@ -123,6 +128,7 @@ void LICE_FillRoundRect(LICE_IBitmap* dest, float x, float y, float w, float h, 
                         LICE_pixel color, float alpha, int mode, bool antiAlias) {
   const RoundBox box(x, y, w, h, cornerRadius);
   PaintCovered(dest, box.outer, color, alpha, mode, [&](int px, int py) {
-    return Disc(box.dx(px), box.dy(py), box.r + 0.5, antiAlias);
+    const double dx = box.dx(px), dy = box.dy(py);
+    return antiAlias ? Disc(dx, dy, box.r + 0.5) : SharpDisc(dx, dy, box.r);
   });
 }

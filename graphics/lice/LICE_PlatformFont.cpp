@@ -3,6 +3,7 @@
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include FT_MODULE_H
 #include FT_OUTLINE_H
 #include FT_SYNTHESIS_H
 
@@ -132,6 +133,10 @@ std::unique_ptr<LICE_PlatformFont> LICE_PlatformFont::Create(const LICE_FontRequ
   FT_Library raw_library = nullptr;
   if (FT_Init_FreeType(&raw_library) != 0) return nullptr;
   Library library(raw_library);
+  // The interpreter that obeys hints in both directions: upright stems of small text then fill
+  // whole columns.
+  const FT_UInt full_hinting = 35;
+  FT_Property_Set(raw_library, "truetype", "interpreter-version", &full_hinting);
   FT_Face raw_face = nullptr;
   if (FT_New_Face(raw_library, file.path.c_str(), file.index, &raw_face) != 0) return nullptr;
   return std::make_unique<FreeTypeFont>(std::move(library), Face(raw_face), file, request);
