@@ -1,0 +1,179 @@
+// Time of a render, stage by stage, for rooms of one, three and five axes at the radius cap; the
+// lattice kernel beside its plain form and the limit of the processor; the decay with and without
+// flush-to-zero.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "dsp/FIRFunctions.h"
+#include "dsp/FIROrtho.h"
+#include "numeric/Float4.h"
+
+#if TOLMARA_SSE2
+#include <xmmintrin.h>
+#endif
+
+namespace {
+
+using Room = AlignedVector<DimProperties<float>>;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kRate = 44100;
+
+// Long-lasting axes, so that the radius meets its cap, some of them with an offset.
+Room room_of(int axes) {
+  const float refl = dB_to_mag(-0.1f) * 100.0f;
+  const Room all = {{10, 0, refl}, {11, 0, refl}, {12, 1, refl}, {13, 1, refl}, {14, 2, refl}};
+  return Room(all.begin(), all.begin() + axes);
+}
+
+FIROrtho<float>& rendered(int axes) {
+  static FIROrtho<float> ortho;
+  Room room = room_of(axes);
+  ortho.update(room, 60.0f, kRate, 1.0f, 0.0f, 0.0f, -12.0f, -120.0f);
+  return ortho;
+}
+
+double ms_since(Clock::time_point start) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+void volume(benchmark::State& state) {
+  FIROrtho<float>& ortho = rendered(static_cast<int>(state.range(0)));
+  for (auto _ : state) ortho.update_Gauss_volume();
+}
+
+void time_mapping(benchmark::State& state) {
+  FIROrtho<float>& ortho = rendered(static_cast<int>(state.range(0)));
+  for (auto _ : state) ortho.update_FIR_time_props();
+  state.counters["samples"] = ortho.num_samples;
+}
+
+#if TOLMARA_SSE2
+// Flush-to-zero and denormals-are-zero for a scope.
+class FlushToZero {
+ public:
+  explicit FlushToZero(bool on) : before(_mm_getcsr()) {
+    if (on) _mm_setcsr(before | 0x8040U);
+  }
+  ~FlushToZero() { _mm_setcsr(before); }
+  FlushToZero(const FlushToZero&) = delete;
+  FlushToZero& operator=(const FlushToZero&) = delete;
+
+ private:
+  unsigned before;
+};
+#else
+struct FlushToZero {
+  explicit FlushToZero(bool) {}
+};
+#endif
+
+void decay(benchmark::State& state) {
+  FIROrtho<float>& ortho = rendered(static_cast<int>(state.range(0)));
+  const FlushToZero mode(state.range(1) != 0);
+  for (auto _ : state) ortho.update_FIR_EQ();
+}
+
+void finalize(benchmark::State& state) {
+  FIROrtho<float>& ortho = rendered(static_cast<int>(state.range(0)));
+  for (auto _ : state) {
+    state.PauseTiming();
+    ortho.FIR.assign(ortho.FIR_EQ.begin(), ortho.FIR_EQ.begin() + ortho.num_samples);
+    state.ResumeTiming();
+    ortho.update_FIR_finalize();
+  }
+}
+
+// Multiply-adds of four cells that a table needs.
+double multiply_adds(const GaussCircle<float>& lattice) {
+  double cells = 0;
+  for (std::size_t d = 1; d < lattice.dim_sizes.size(); ++d) {
+    const auto [a, b] = lattice.images_within(lattice.S, d);
+    for (int n = lattice.dim_offsets[d] != 0 ? a : 1; n <= b; ++n) {
+      const double x = n * lattice.dim_sizes[d] + lattice.dim_offsets[d];
+      const float factor = lattice.weight_powers[d][static_cast<std::size_t>(std::abs(n))];
+      if (factor > 0) cells += lattice.S2 + 1 - x * x;
+    }
+  }
+  return cells / 4;
+}
+
+// As many multiply-adds, eight sums in registers, all other operands in the first-level cache.
+double limit_ms(double count) {
+  constexpr int kSums = 8;
+  constexpr int kSources = 64;
+  alignas(32) static float source[kSources * kSums * 4 + 4];
+  alignas(32) static float sums[kSums * 4];
+  const auto rounds = static_cast<long>(count / (kSums * kSources));
+  const auto start = Clock::now();
+  for (long round = 0; round < rounds; ++round) {
+    Float4 sum[kSums];
+    for (int k = 0; k < kSums; ++k) sum[k] = Float4::load_aligned(sums + 4 * k);
+    for (int s = 0; s < kSources; ++s) {
+      const float* const from = source + s * kSums * 4 + s % 2;
+      const Float4 factor = Float4::set1(from[0]);
+      for (int k = 0; k < kSums; ++k) sum[k] = sum[k] + Float4::load(from + 4 * k) * factor;
+    }
+    for (int k = 0; k < kSums; ++k) sum[k].store_aligned(sums + 4 * k);
+    benchmark::ClobberMemory();
+  }
+  return ms_since(start);
+}
+
+// The two forms of the table and the limit take turns; the best of each counts, as the machine's
+// other work only ever adds.
+void lattice_kernel(benchmark::State& state) {
+  FIROrtho<float>& ortho = rendered(static_cast<int>(state.range(0)));
+  GaussCircle<float>& lattice = ortho.volume;
+  lattice.compute_C_vectorized();
+  const auto expected = lattice.C;
+  lattice.compute_C_vectorized_SSE2();
+  for (std::size_t d = 0; d < expected.size(); ++d) {
+    const auto bytes = (static_cast<std::size_t>(lattice.S2) + 1) * sizeof(float);
+    if (std::memcmp(expected[d].data(), lattice.C[d].data(), bytes) != 0) {
+      state.SkipWithError("the tiled table differs from the plain one");
+      return;
+    }
+  }
+
+  const double count = multiply_adds(lattice);
+  double plain = std::numeric_limits<double>::infinity();
+  double tiled = plain;
+  double limit = plain;
+  for (auto _ : state) {
+    auto start = Clock::now();
+    lattice.compute_C_vectorized();
+    plain = std::min(plain, ms_since(start));
+    start = Clock::now();
+    lattice.compute_C_vectorized_SSE2();
+    tiled = std::min(tiled, ms_since(start));
+    limit = std::min(limit, limit_ms(count));
+  }
+  state.counters["plain_ms"] = plain;
+  state.counters["tiled_ms"] = tiled;
+  state.counters["limit_ms"] = limit;
+  state.counters["tiled/limit"] = tiled / limit;
+}
+
+}  // namespace
+
+BENCHMARK(lattice_kernel)
+    ->ArgName("axes")
+    ->Arg(3)
+    ->Arg(5)
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(volume)->ArgName("axes")->Arg(1)->Arg(3)->Arg(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(time_mapping)->ArgName("axes")->Arg(1)->Arg(3)->Arg(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(decay)
+    ->ArgNames({"axes", "flush_to_zero"})
+    ->ArgsProduct({{1, 3, 5}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(finalize)->ArgName("axes")->Arg(1)->Arg(3)->Arg(5)->Unit(benchmark::kMillisecond);
+BENCHMARK_MAIN();
