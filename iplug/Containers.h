@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <new>
 
 // Growable raw storage. Resizing that fails leaves size and contents, so callers that care compare
 // the size afterwards. Bytes gained are not initialised.
@@ -84,6 +86,12 @@ template <typename T>
 class OwnedPointerList : public PointerList<T> {
  public:
   ~OwnedPointerList() { this->Empty(true); }
+
+  // Takes the item over; throws when there is no memory for its entry.
+  T* AddOwned(std::unique_ptr<T> item) {
+    if (!this->Add(item.get())) throw std::bad_alloc();
+    return item.release();
+  }
 };
 
 template <typename T>

@@ -78,7 +78,7 @@ class IPlugBase {
   virtual double GetTempo() = 0;  // beats per minute, 0 if unknown
   virtual void GetTimeSig(int* numerator, int* denominator) = 0;
   virtual void GetTime(ITimeInfo* info) = 0;
-  virtual int GetHost() { return mHost; }  // a code of Hosts.h
+  virtual int GetHost();  // a code of Hosts.h
   virtual int GetAPI() { return mAPI; }
   virtual void ResizeGraphics() = 0;
   virtual void HostSpecificInit() = 0;
@@ -129,6 +129,8 @@ class IPlugBase {
   void SetOutputChannelConnections(int idx, int n, bool connected);
   void SetInputLabel(int idx, const char* label);
   void SetOutputLabel(int idx, const char* label);
+  const char* GetInputLabel(int idx) const;  // "" if none was set
+  const char* GetOutputLabel(int idx) const;
   void SetInputBusLabel(int idx, const char* label);
   void SetOutputBusLabel(int idx, const char* label);
 
@@ -211,8 +213,6 @@ class IPlugBase {
   bool OpenEditorWindow(void* parent);
   void CloseEditorWindow();
 
-  PointerList<ChannelIO>& LegalChannels() { return mChannelIO; }
-
  private:
   void ParseChannelIO(const char* channelIOStr, int* maxIn, int* maxOut);
   void MakeChannels(int nIn, int nOut);
@@ -220,9 +220,8 @@ class IPlugBase {
   void OutputsToFloat(int nFrames, bool accumulate);
   IPreset* FirstFreePreset();
   IPreset* ClaimPreset(const char* name);
-  void CaptureIntoPreset(IPreset* preset);
   void MakeDefaultUserPresetName(IPreset* preset) const;
-  void NormalizedOfPreset(IPreset* preset, float* values) const;
+  void StoreValues(const std::vector<float>& normalized);
   bool PromptForPresetFile(const char* defaultFileName, int action, const char* extension,
                            HeapString* path);
 

@@ -44,12 +44,11 @@ class IPlugVST : public IPlugBase {
   VstIntPtr CallHost(int opcode, int index = 0, VstIntPtr value = 0, void* ptr = nullptr,
                      float opt = 0.0f);
   const VstTimeInfo* AskTime(int mask);
-  void FillAEffect(int nPresets, int uniqueID, int latency, bool stateChunks, bool isInst);
-  void FillSpeakers();
+  void FillAEffect();
   void SetEditRect();
   void DisconnectExtraInputs();
-  template <typename T, typename Process>
-  void RunBlocks(T** inputs, T** outputs, int nFrames, Process process);
+  template <typename T, typename Run>
+  void RunBlocks(T** inputs, T** outputs, int nFrames, Run run);
 
   static VstIntPtr Dispatcher(AEffect* effect, std::int32_t opcode, std::int32_t index,
                               VstIntPtr value, void* ptr, float opt);
