@@ -1,0 +1,77 @@
+// tolmara: a host for VST2 effects on the command line.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+
+#include "tools/AtomicFile.h"
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/Nearest.h"
+
+namespace {
+
+constexpr void (*kCommands[])(CLI::App&) = {
+    AddRenderCommand,     AddResponseCommand, AddParamsCommand, AddPresetsCommand,
+    AddSavePresetCommand, AddSaveBankCommand, AddShowCommand,
+};
+
+constexpr const char* kAbout =
+    "Reverberates sound files with Tolmara, or with any other VST2 effect.\n"
+    "`tolmara COMMAND --help` explains a command and gives examples.";
+
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0    done\n"
+    "  1    an internal error\n"
+    "  2    the command line cannot be understood\n"
+    "  3    a file to read is missing, damaged, empty or of the wrong kind\n"
+    "  4    an unknown parameter or preset, or a value out of range\n"
+    "  5    no plug-in, or one that cannot do what is needed\n"
+    "  6    a file cannot be written\n"
+    "  128+ ended by that signal, with nothing left half-written\n";
+
+int Fail(const char* line, ExitCode code) {
+  std::fprintf(stderr, "tolmara: %s\n", line);
+  return static_cast<int>(code);
+}
+
+// The library would only say that a command is missing.
+void RequireKnownCommand(const CLI::App& app, const std::string& name) {
+  if (name.starts_with('-')) return;
+  std::vector<std::string> names;
+  for (const CLI::App* const command : app.get_subcommands({}))
+    names.push_back(command->get_name());
+  if (std::find(names.begin(), names.end(), name) != names.end()) return;
+  throw Failure(ExitCode::Usage, "no command is called \"" + name + "\"; the nearest is \"" +
+                                     NearestName(name, names) + "\"");
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app{kAbout, "tolmara"};
+  app.require_subcommand(1);
+  app.footer(kExitCodes);
+  for (const auto add : kCommands) add(app);
+  if (argc > 1) RequireKnownCommand(app, argv[1]);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // A request for help is one of these too, with a code of 0.
+    if (error.get_exit_code() == 0) return app.exit(error);
+    return Fail(error.what(), ExitCode::Usage);
+  }
+  return static_cast<int>(ExitCode::Success);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  RemoveUnfinishedFileOnSignals();
+  try {
+    return Run(argc, argv);
+  } catch (const Failure& failure) {
+    return Fail(failure.what(), failure.Code());
+  } catch (const std::exception& error) {
+    return Fail(error.what(), ExitCode::Internal);
+  }
+}

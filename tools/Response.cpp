@@ -1,0 +1,115 @@
+// tolmara response: the effect's answer to a single impulse, as a sound file.
+#include <cmath>
+
+#include "tools/BlockRunner.h"
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/Parameters.h"
+#include "tools/Progress.h"
+#include "tools/Settings.h"
+#include "tools/SoundFile.h"
+#include "tools/TailTrimmer.h"
+
+namespace {
+
+constexpr double kResponseFloor = 1e-7;  // -140 dB, the noise of single-precision transforms
+
+struct ResponseOptions {
+  Settings settings;
+  std::string output;
+  std::string depth;
+  int rate = 44100;  // Hz
+  int block = 512;
+  bool quiet = false;
+};
+
+// A response is what happens between dry and wet: what an effect does besides, under one of these
+// names, is put aside.
+constexpr const char* kFullyWet[] = {"Mix", "Dry/Wet", "Wet"};
+constexpr const char* kPutToZero[] = {
+    "Gain", "Pan", "Stereo Mid/Side", "Stereo Left/Right phase", "Stereo Haas", "Time Delay",
+};
+
+bool IsOneOf(const std::string& name, const auto& names) {
+  for (const char* const candidate : names)
+    if (name == candidate) return true;
+  return false;
+}
+
+void PutStagesAside(PluginHost& host) {
+  for (const Parameter& parameter : LearnParameters(host)) {
+    if (IsOneOf(parameter.name, kFullyWet)) host.Set(parameter.id, 1);
+    const bool hasZero =
+        parameter.min && parameter.max && *parameter.min <= 0 && *parameter.max >= 0;
+    if (hasZero && IsOneOf(parameter.name, kPutToZero)) SetParameter(host, parameter.id, "0");
+  }
+}
+
+void WriteImpulseAnswer(BlockRunner& runner, TailTrimmer& trimmer, int rate) {
+  const auto longest = static_cast<std::int64_t>(kLongestTailSeconds * rate);
+  std::vector<double> in(static_cast<std::size_t>(runner.Block()), 0.0);
+  std::vector<double> out(in.size());
+  in[0] = 1;
+  while (!trimmer.Ended() && trimmer.Taken() < longest) {
+    runner.Process(in.data(), runner.Block(), out.data());
+    trimmer.Take(out.data(), runner.Block(), 0);
+    in[0] = 0;
+  }
+}
+
+void WriteResponse(const ResponseOptions& options) {
+  const int format =
+      ChooseFormat(SF_FORMAT_WAV | SF_FORMAT_FLOAT, options.output, options.depth, 1, options.rate);
+  SoundWriter writer(options.output, format, 1, options.rate);
+  const std::unique_ptr<PluginHost> host = OpenPlugin(options.settings);
+  BlockRunner runner(*host, 1, options.rate, options.block);
+  const int delay = runner.MeasureDelay();
+  ApplySettings(*host, options.settings);
+  PutStagesAside(*host);
+  runner.Settle();
+
+  Progress progress(options.output, options.quiet);
+  const std::int64_t patience = std::llround(kPatienceSeconds * options.rate);
+  TailTrimmer trimmer(writer, 1, delay, kResponseFloor, patience);
+  WriteImpulseAnswer(runner, trimmer, options.rate);
+  if (writer.Frames() == 0)
+    throw Failure(ExitCode::Setting, "the response of these settings is silent");
+  writer.Finish();
+  progress.Close("a response of %.3f s, %lld frames at %d Hz",
+                 static_cast<double>(writer.Frames()) / options.rate,
+                 static_cast<long long>(writer.Frames()), options.rate);
+  WarnOfClipping(writer);
+}
+
+constexpr const char* kExamples =
+    "OUT is mono and, unless --depth says otherwise, in 32-bit float where the format has it. "
+    "Mix,\n"
+    "Gain, Pan, width, phase and delays do not belong to the response: they are put aside. It "
+    "ends\n"
+    "with the last sample above -140 dB of its peak. Any convolution reverb can use it.\n"
+    "\n"
+    "Examples:\n"
+    "  tolmara response hall.wav --preset Hall\n"
+    "  tolmara response plate.flac --preset Plate-long --rate 96000 --depth 24\n"
+    "  tolmara response room.wav --set \"Size 0=4\" --set \"High Decay=300\"\n";
+
+}  // namespace
+
+void AddResponseCommand(CLI::App& app) {
+  auto options = std::make_shared<ResponseOptions>();
+  CLI::App* const command = app.add_subcommand("response", "Write the impulse response");
+  command->add_option("OUT", options->output, "the sound file to write")->required();
+  AddSettingsOptions(*command, options->settings);
+  command->add_option("--rate", options->rate, "sample rate, in Hz (44100)")
+      ->check(CLI::Range(1000, 768000))
+      ->type_name("HZ");
+  command->add_option("--depth", options->depth, "16, 24, 32, float or double (float)")
+      ->check(CLI::IsMember({"16", "24", "32", "float", "double"}))
+      ->type_name("DEPTH");
+  command->add_option("--block", options->block, "announced block, in frames (512)")
+      ->check(CLI::Range(16, 16384))
+      ->type_name("N");
+  command->add_flag("--quiet", options->quiet, "no closing line");
+  command->footer(kExamples);
+  command->callback([options] { WriteResponse(*options); });
+}

@@ -1,0 +1,8 @@
+// A table of text on stdout.
+#pragma once
+#include <string>
+#include <vector>
+
+// Prints rows under a heading in columns of equal width, two blanks apart.
+void PrintTable(const std::vector<std::string>& heading,
+                const std::vector<std::vector<std::string>>& rows);
