@@ -43,6 +43,11 @@ class ConvolutionPartitioned {
   int get_N_partitions() const { return N_partitions; }
 
  private:
+  // The spectrum of the block that is `age` blocks old, which meets H[age].
+  const complex* input_spectrum(int age) const {
+    return X[static_cast<std::size_t>((x_index - age + N_partitions) % N_partitions)].data();
+  }
+
   int block_size = 0;    // samples per block and taps per partition
   int fir_size = 0;      // taps of the response
   int M_p = 0;           // transform length, at least 2 * block_size - 1
