@@ -19,7 +19,7 @@ constexpr float kRangeDB = 60.0f;  // how far the weakest decay falls within the
 // The power handed to a convolver. The largest partition, block << power, has to stay a positive
 // int; values beyond mean the same sound.
 int PartitionPower(int maxFFTPow, int blockSize) {
-  const int room = 30 - std::bit_width(static_cast<unsigned>(blockSize));
+  const int room = 30 - static_cast<int>(std::bit_width(static_cast<unsigned>(blockSize)));
   return std::clamp(maxFFTPow, -1, std::max(room, 0));
 }
 

@@ -10,11 +10,14 @@
 namespace {
 
 constexpr int B = 64;
+constexpr size_t kB = B;  // the same, as an index
 using Block = std::vector<float>;
 
 Block Sine(double cycles) {
   Block x(B);
-  for (int i = 0; i < B; ++i) x[i] = static_cast<float>(std::sin(6.28318530718 * cycles * i / B));
+  for (size_t i = 0; i < kB; ++i) {
+    x[i] = static_cast<float>(std::sin(6.28318530718 * cycles * static_cast<double>(i) / B));
+  }
   return x;
 }
 
@@ -22,7 +25,7 @@ Block Sine(double cycles) {
 // sample before the block.
 float LargestStep(float before, const Block& x) {
   float step = std::fabs(x[0] - before);
-  for (int i = 1; i < B; ++i) step = std::max(step, std::fabs(x[i] - x[i - 1]));
+  for (size_t i = 1; i < kB; ++i) step = std::max(step, std::fabs(x[i] - x[i - 1]));
   return step;
 }
 
@@ -35,7 +38,7 @@ TEST(StereoStages, AWidthOfZeroKeepsThePairMinusOneIsTheMonoSumAndOneTheSideSign
     float prev = width, mid = c.mid, side = c.side;
     Block left = l, right = r;
     ApplyWidth(prev, mid, side, width, left.data(), right.data(), B);
-    for (int i = 0; i < B; ++i) {
+    for (size_t i = 0; i < kB; ++i) {
       const float wantLeft = width == 0 ? l[i] : width < 0 ? l[i] + r[i] : l[i] - r[i];
       const float wantRight = width == 0 ? r[i] : width < 0 ? l[i] + r[i] : r[i] - l[i];
       ASSERT_NEAR(left[i], wantLeft, 1e-6f) << "width " << width << " sample " << i;
@@ -80,7 +83,7 @@ TEST(StereoStages, ANeutralPhaseFilterIsExact) {
   Block left = Sine(7), right = Sine(2);
   const Block l = left, r = right;
   ApplyPhaseFilter(state, 0.0f, left.data(), right.data(), B);
-  for (int i = 0; i < B; ++i) {
+  for (size_t i = 0; i < kB; ++i) {
     EXPECT_NEAR(left[i], l[i], 1e-7f);
     EXPECT_NEAR(right[i], r[i], 1e-7f);
   }
