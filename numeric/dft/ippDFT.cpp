@@ -1,136 +1,128 @@
-// The real DFT engine.
+// The engine's operations: checks, alignment of the blocks, and the way to the kernels.
 #include "numeric/dft/ippDFT.h"
 
+#include <bit>
+#include <climits>
 #include <cmath>
-#include <complex>
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
-#include <numbers>
+
+#include "numeric/dft/Engine.h"
+#include "numeric/dft/Setup.h"
+#include "numeric/dft/SmallReal.h"
 
 namespace {
 
-using Complex = std::complex<float>;
-constexpr int kIdentifier = 15;
+using dft::Spec;
 
-struct Spec {
-  int identifier, length, flag, hint;
-  float forward_scale, inverse_scale;
-};
+constexpr std::uintptr_t kAlignment = 64;
+constexpr std::int64_t kLeastSpec = 768;
+constexpr int kLargestOrder = 29;  // of a power of two
+constexpr int kTooLong = 1 << 27;  // for any other length
+constexpr int kTooLongForOddConvolution = 1 << 26;
 
-template <class P>
-P* align(P* p) {
-  return reinterpret_cast<P*>((reinterpret_cast<std::uintptr_t>(p) + 63) & ~std::uintptr_t{63});
+template <class T>
+T* align(void* block) {
+  const auto address = reinterpret_cast<std::uintptr_t>(block);
+  return reinterpret_cast<T*>((address + kAlignment - 1) & ~(kAlignment - 1));
 }
 
-const Complex* roots_of(const Spec* spec) {
-  return reinterpret_cast<const Complex*>(reinterpret_cast<const char*>(spec) + 64);
+const Spec* align(const IppsDFTSpec_R_32f* block) {
+  return align<const Spec>(const_cast<IppsDFTSpec_R_32f*>(block));
 }
 
-int smallest_factor(int n) {
-  for (int p = 2; p * p <= n; ++p) {
-    if (n % p == 0) return p;
-  }
-  return n;
+std::int64_t with_slack(std::int64_t bytes) {
+  const std::int64_t step = kAlignment;
+  return bytes == 0 ? 0 : (bytes + step - 1) / step * step + step;
 }
 
-// Mixed radix, decimation in time: out[0..n) of in[0], in[step], ...; roots of length n * step.
-void transform(const Complex* in, Complex* out, Complex* scratch, const Complex* roots, int n,
-               int step) {
-  if (n == 1) {
-    out[0] = in[0];
-    return;
-  }
-  const int p = smallest_factor(n), m = n / p;
-  for (int r = 0; r < p; ++r) {
-    transform(in + r * step, scratch + r * m, out + r * m, roots, m, step * p);
-  }
-  for (int k = 0; k < n; ++k) {
-    Complex sum{};
-    for (int r = 0; r < p; ++r) {
-      const auto turn = static_cast<int>(static_cast<std::int64_t>(r) * k % n);
-      sum += scratch[r * m + k % m] * roots[static_cast<std::ptrdiff_t>(turn) * step];
-    }
-    out[k] = sum;
-  }
+float scale_of(int length, int flag, int direction) {
+  if (flag == direction) return static_cast<float>(1.0 / length);
+  if (flag == IPP_FFT_DIV_BY_SQRTN) return static_cast<float>(1.0 / std::sqrt(length));
+  return 1.0F;
 }
 
-IppStatus check_length(int length, int flag) {
+// The plan of a length, with the sizes of its blocks as the caller has to provide them.
+IppStatus set_up(int length, int flag, int hint, dft::Setup& setup) {
   if (length < 1) return ippStsSizeErr;
-  if (flag != 1 && flag != 2 && flag != 4 && flag != 8) return ippStsFftFlagErr;
-  return length < 1 << 26 ? ippStsNoErr : ippStsSizeErr;
+  if (flag != IPP_FFT_DIV_FWD_BY_N && flag != IPP_FFT_DIV_INV_BY_N &&
+      flag != IPP_FFT_DIV_BY_SQRTN && flag != IPP_FFT_NODIV_BY_ANY) {
+    return ippStsFftFlagErr;
+  }
+  if (std::has_single_bit(static_cast<unsigned>(length))) {
+    if (length > 1 << kLargestOrder) return ippStsFftOrderErr;
+  } else if (length >= kTooLong) {
+    return ippStsSizeErr;
+  }
+  if (length > dft::kLargestSmall) {
+    setup = dft::plan(length);
+    const bool odd = length % 2 != 0;
+    if (odd && setup.spec.chirp && length >= kTooLongForOddConvolution) return ippStsSizeErr;
+  } else {
+    setup = {{}, sizeof(Spec), 0, 0};
+    setup.spec.identifier = dft::kIdentifier;
+    setup.spec.length = length;
+  }
+  setup.spec.flag = flag;
+  setup.spec.hint = hint;
+  setup.spec.forward_scale = scale_of(length, flag, IPP_FFT_DIV_FWD_BY_N);
+  setup.spec.inverse_scale = scale_of(length, flag, IPP_FFT_DIV_INV_BY_N);
+  for (std::int64_t* bytes : {&setup.spec_bytes, &setup.init_bytes, &setup.work_bytes}) {
+    *bytes = with_slack(*bytes);
+    if (*bytes > INT_MAX) return ippStsSizeErr;
+  }
+  if (setup.spec_bytes < kLeastSpec) setup.spec_bytes = kLeastSpec;
+  return ippStsNoErr;
 }
 
-IppStatus check_transform(const void* src, const void* dst, const IppsDFTSpec_R_32f* block,
-                          const void* work) {
-  if (!src || !dst || !block) return ippStsNullPtrErr;
-  const auto* spec = reinterpret_cast<const Spec*>(align(block));
-  if (spec->identifier != kIdentifier) return ippStsContextMatchErr;
-  return work || spec->length <= 16 ? ippStsNoErr : ippStsNullPtrErr;
+IppStatus check(const float* src, const float* dst, const IppsDFTSpec_R_32f* spec,
+                const Ipp8u* work) {
+  if (!src || !dst || !spec) return ippStsNullPtrErr;
+  if (align(spec)->identifier != dft::kIdentifier) return ippStsContextMatchErr;
+  return work || align(spec)->length <= dft::kLargestSmall ? ippStsNoErr : ippStsNullPtrErr;
 }
 
 }  // namespace
 
-IppStatus ippsDFTGetSize_R_32f(int length, int flag, int, int* spec_size, int* init_size,
+IppStatus ippsDFTGetSize_R_32f(int length, int flag, int hint, int* spec_size, int* init_size,
                                int* work_size) {
   if (!spec_size || !init_size || !work_size) return ippStsNullPtrErr;
-  if (const IppStatus status = check_length(length, flag); status != ippStsNoErr) return status;
-  *spec_size = 768 + 8 * length;
-  *init_size = 0;
-  *work_size = length <= 16 ? 0 : 64 + 24 * length;
+  dft::Setup setup;
+  if (const auto status = set_up(length, flag, hint, setup); status != ippStsNoErr) return status;
+  *spec_size = static_cast<int>(setup.spec_bytes);
+  *init_size = static_cast<int>(setup.init_bytes);
+  *work_size = static_cast<int>(setup.work_bytes);
   return ippStsNoErr;
 }
 
-IppStatus ippsDFTInit_R_32f(int length, int flag, int hint, IppsDFTSpec_R_32f* block, Ipp8u*) {
-  if (!block) return ippStsNullPtrErr;
-  if (const IppStatus status = check_length(length, flag); status != ippStsNoErr) return status;
-  auto* spec = reinterpret_cast<Spec*>(align(block));
-  const auto n = static_cast<float>(length);
-  *spec = {kIdentifier, length, flag, hint, 1.0F, 1.0F};
-  if (flag == IPP_FFT_DIV_FWD_BY_N) spec->forward_scale = 1.0F / n;
-  if (flag == IPP_FFT_DIV_INV_BY_N) spec->inverse_scale = 1.0F / n;
-  if (flag == IPP_FFT_DIV_BY_SQRTN) {
-    spec->forward_scale = spec->inverse_scale = static_cast<float>(1.0 / std::sqrt(length));
-  }
-  auto* roots = const_cast<Complex*>(roots_of(spec));
-  for (int k = 0; k < length; ++k) {
-    roots[k] = Complex(std::polar(1.0, -2.0 * std::numbers::pi * k / length));
-  }
+IppStatus ippsDFTInit_R_32f(int length, int flag, int hint, IppsDFTSpec_R_32f* spec, Ipp8u* init) {
+  if (!spec) return ippStsNullPtrErr;
+  dft::Setup setup;
+  if (const auto status = set_up(length, flag, hint, setup); status != ippStsNoErr) return status;
+  if (!init && setup.init_bytes > 0) return ippStsNullPtrErr;
+  dft::build(setup, align<Spec>(spec), align<Ipp8u>(init));
   return ippStsNoErr;
 }
 
 IppStatus ippsDFTFwd_RToCCS_32f(const Ipp32f* src, Ipp32f* dst, const IppsDFTSpec_R_32f* block,
                                 Ipp8u* work) {
-  if (const auto status = check_transform(src, dst, block, work); status != ippStsNoErr)
-    return status;
-  const auto* spec = reinterpret_cast<const Spec*>(align(block));
-  const int n = spec->length;
-  Complex small[48];
-  Complex* in = n <= 16 ? small : reinterpret_cast<Complex*>(align(work));
-  for (int i = 0; i < n; ++i) in[i] = src[i];
-  transform(in, in + n, in + 2 * n, roots_of(spec), n, 1);
-  for (int k = 0; k <= n / 2; ++k) {
-    const Complex x = in[n + k] * spec->forward_scale;
-    dst[2 * k] = x.real();
-    dst[2 * k + 1] = 2 * k % n == 0 ? 0.0F : x.imag();
+  if (const auto status = check(src, dst, block, work); status != ippStsNoErr) return status;
+  const Spec& spec = *align(block);
+  if (spec.length <= dft::kLargestSmall) {
+    dft::small_forward[static_cast<unsigned>(spec.length)](src, dst, spec.forward_scale);
+  } else {
+    dft::engine().forward(spec, src, dst, align<float>(work));
   }
   return ippStsNoErr;
 }
 
 IppStatus ippsDFTInv_CCSToR_32f(const Ipp32f* src, Ipp32f* dst, const IppsDFTSpec_R_32f* block,
                                 Ipp8u* work) {
-  if (const auto status = check_transform(src, dst, block, work); status != ippStsNoErr)
-    return status;
-  const auto* spec = reinterpret_cast<const Spec*>(align(block));
-  const int n = spec->length;
-  Complex small[48];
-  Complex* in = n <= 16 ? small : reinterpret_cast<Complex*>(align(work));
-  for (int k = 0; k <= n / 2; ++k) {
-    const float im = 2 * k % n == 0 ? 0.0F : src[2 * k + 1];
-    in[k] = Complex(src[2 * k], -im);
-    if (k > 0) in[n - k] = Complex(src[2 * k], im);
+  if (const auto status = check(src, dst, block, work); status != ippStsNoErr) return status;
+  const Spec& spec = *align(block);
+  if (spec.length <= dft::kLargestSmall) {
+    dft::small_inverse[static_cast<unsigned>(spec.length)](src, dst, spec.inverse_scale);
+  } else {
+    dft::engine().inverse(spec, src, dst, align<float>(work));
   }
-  transform(in, in + n, in + 2 * n, roots_of(spec), n, 1);
-  for (int i = 0; i < n; ++i) dst[i] = in[n + i].real() * spec->inverse_scale;
   return ippStsNoErr;
 }

@@ -1,0 +1,231 @@
+// Plans and tables. All tables are computed in double precision and rounded once.
+#include "numeric/dft/Setup.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "numeric/dft/Factors.h"
+#include "numeric/dft/Roots.h"
+
+namespace dft {
+namespace {
+
+// Above this length the passes' buffers no longer fit the second-level cache.
+constexpr int kLongestInCache = 1 << 15;
+
+// Places tables after the spec record, one behind the other.
+class Placement {
+ public:
+  std::uint32_t take(std::int64_t floats) {
+    const auto at = static_cast<std::uint32_t>(lines);
+    lines += (floats + kLine - 1) / kLine;
+    return at;
+  }
+  std::int64_t bytes() const { return lines * 64; }
+
+ private:
+  std::int64_t lines = (sizeof(Spec) + 63) / 64;
+};
+
+std::int64_t pass_floats(const Pass& pass, bool fused) {
+  if (fused) return 2 * (pass.radix - 1) * static_cast<std::int64_t>(fused_row(pass.blocks));
+  const std::int64_t roots = is_generic(pass.radix) ? 2 * pass.radix : 0;
+  return roots + 2 * (pass.radix - 1) * std::int64_t{pass.blocks};
+}
+
+PassPlan plan_passes(const std::vector<int>& radices, bool batched, Placement& place) {
+  PassPlan plan{};
+  plan.length = 1;
+  for (const int radix : radices) plan.length *= radix;
+  plan.fused = !batched && radices.size() > 1 && !is_generic(radices[0]);
+  int stride = 1;
+  for (const int radix : radices) {
+    Pass& pass = plan.pass[plan.count];
+    pass = {radix, stride, plan.length / stride / radix, 0};
+    pass.table = place.take(pass_floats(pass, plan.fused && plan.count == 0));
+    stride *= radix;
+    ++plan.count;
+  }
+  return plan;
+}
+
+// Two sides as near to each other as the radices allow.
+CorePlan plan_split(std::vector<int> radices, Placement& place) {
+  std::sort(radices.begin(), radices.end(), std::greater<>());
+  std::vector<int> sides[2];
+  std::int64_t lengths[2] = {1, 1};
+  for (const int radix : radices) {
+    const int smaller = lengths[1] < lengths[0] ? 1 : 0;
+    sides[smaller].push_back(radix);
+    lengths[smaller] *= radix;
+  }
+  CorePlan core{};
+  core.columns = plan_passes(sides[0], true, place);
+  core.rows = plan_passes(sides[1], true, place);
+  const std::int64_t batches = (core.rows.length + kBatch - 1) / kBatch;
+  core.fine = place.take(std::int64_t{2} * kBatch * core.columns.length);
+  core.coarse = place.take(2 * batches * core.columns.length);
+  return core;
+}
+
+CorePlan plan_core(int length, const std::vector<int>& list, Placement& place) {
+  CorePlan core{};
+  if (length > kLongestInCache && list.size() > 1) {
+    core = plan_split(list, place);
+  } else {
+    core.columns = plan_passes(list, false, place);
+  }
+  core.length = length;
+  return core;
+}
+
+// Writes complex values: interleaved, or as two rows.
+struct Writer {
+  float* at;
+
+  void put(std::complex<double> w) {
+    *at++ = static_cast<float>(w.real());
+    *at++ = static_cast<float>(w.imag());
+  }
+};
+
+void put(float* re, std::size_t row, std::complex<double> w) {
+  re[0] = static_cast<float>(w.real());
+  re[row] = static_cast<float>(w.imag());
+}
+
+class Builder {
+ public:
+  Builder(Spec& block, unsigned char* scratch) : spec(block), init(scratch) {}
+
+  void core() {
+    passes(spec.core.columns);
+    if (spec.core.rows.length == 0) return;
+    passes(spec.core.rows);
+    split();
+  }
+  void recombine();
+  void chirp();
+
+ private:
+  float* table(std::uint32_t lines) { return const_cast<float*>(dft::table(spec, lines)); }
+  void passes(const PassPlan& plan);
+  void fused(const Pass& pass, const Roots& w);
+  void strided(const Pass& pass, const Roots& w);
+  void split();
+
+  Spec& spec;
+  unsigned char* init;
+};
+
+void Builder::passes(const PassPlan& plan) {
+  const Roots w(plan.length, init);
+  for (int i = 0; i < plan.count; ++i) {
+    i == 0 && plan.fused ? fused(plan.pass[i], w) : strided(plan.pass[i], w);
+  }
+}
+
+void Builder::fused(const Pass& pass, const Roots& w) {
+  const std::size_t row = fused_row(pass.blocks);
+  float* at = table(pass.table);
+  for (int k = 1; k < pass.radix; ++k, at += 2 * row) {
+    for (int p = 0; p < pass.blocks; ++p) put(at + p, row, w[std::int64_t{p} * k]);
+  }
+}
+
+void Builder::strided(const Pass& pass, const Roots& w) {
+  Writer out{table(pass.table)};
+  const std::int64_t turn = std::int64_t{pass.stride} * pass.blocks;
+  // The roots of a generic radix are stored as cos and sin: conjugates.
+  for (int j = 0; is_generic(pass.radix) && j < pass.radix; ++j) out.put(std::conj(w[turn * j]));
+  for (int p = 0; p < pass.blocks; ++p) {
+    for (int k = 1; k < pass.radix; ++k) out.put(w[std::int64_t{pass.stride} * p * k]);
+  }
+}
+
+void Builder::split() {
+  const CorePlan& core = spec.core;
+  const Roots w(core.length, init);
+  float* fine = table(core.fine);
+  for (int k = 0; k < core.columns.length; ++k, fine += 2 * kBatch) {
+    for (int b = 0; b < kBatch; ++b) put(fine + b, kBatch, w[std::int64_t{k} * b % core.length]);
+  }
+  Writer coarse{table(core.coarse)};
+  for (int first = 0; first < core.rows.length; first += kBatch) {
+    for (int k = 0; k < core.columns.length; ++k) coarse.put(w[std::int64_t{k} * first]);
+  }
+}
+
+void Builder::recombine() {
+  const Roots w(spec.length, init);
+  const std::size_t row = in_lines(static_cast<std::size_t>(spec.length / 4 + 1));
+  float* at = table(spec.recombine);
+  for (int k = 0; k <= spec.length / 4; ++k) {
+    put(at + k, row, {w[k].imag(), -w[k].real()});
+  }
+}
+
+void Builder::chirp() {
+  const int n = spec.complex_length, length = spec.core.length;
+  const std::size_t chirp_row = in_lines(static_cast<std::size_t>(n));
+  const std::size_t filter_row = in_lines(static_cast<std::size_t>(length));
+  float* chirp = table(spec.chirp_table);
+  float* filter = table(spec.filter);
+  std::fill_n(filter, 2 * filter_row, 0.0F);
+  {
+    const Roots w(std::int64_t{2} * n, init);
+    for (int j = 0; j < n; ++j) {
+      const std::complex<double> c = w[std::int64_t{j} * j % (2 * n)];
+      put(chirp + j, chirp_row, c);
+      put(filter + j, filter_row, std::conj(c) / static_cast<double>(length));
+      if (j > 0) put(filter + length - j, filter_row, std::conj(c) / static_cast<double>(length));
+    }
+  }
+  engine().forward_core(spec, filter, filter + filter_row, reinterpret_cast<float*>(init));
+}
+
+}  // namespace
+
+Setup plan(int length) {
+  Setup setup{};
+  Spec& spec = setup.spec;
+  Placement place;
+  const bool odd = length % 2 != 0;
+  spec.identifier = kIdentifier;
+  spec.length = length;
+  spec.complex_length = odd ? length : length / 2;
+  std::vector<int> list = radices(spec.complex_length, odd);
+  spec.chirp = list.empty();
+  if (!odd) spec.recombine = place.take(2 * std::int64_t(in_lines(std::size_t(length) / 4 + 1)));
+  int core_length = spec.complex_length;
+  if (spec.chirp) {
+    core_length = chirp_length(spec.complex_length);
+    list = radices(core_length, false);
+    spec.chirp_table = place.take(2 * std::int64_t(in_lines(std::size_t(spec.complex_length))));
+    spec.filter = place.take(2 * std::int64_t(in_lines(std::size_t(core_length))));
+  }
+  spec.core = plan_core(core_length, list, place);
+
+  setup.spec_bytes = place.bytes();
+  const WorkLayout work(spec.core, spec.complex_length);
+  setup.work_bytes = static_cast<std::int64_t>(work.floats() * sizeof(float));
+  const std::int64_t moduli[] = {length, core_length, std::int64_t{2} * spec.complex_length};
+  for (const std::int64_t n : moduli) {
+    setup.init_bytes =
+        std::max(setup.init_bytes, static_cast<std::int64_t>(Roots::storage_size(n)));
+  }
+  if (spec.chirp) setup.init_bytes = std::max(setup.init_bytes, setup.work_bytes);
+  return setup;
+}
+
+void build(const Setup& setup, Spec* block, unsigned char* init) {
+  *block = setup.spec;
+  if (block->core.length == 0) return;
+  Builder builder(*block, init);
+  builder.core();
+  if (block->length % 2 == 0) builder.recombine();
+  if (block->chirp) builder.chirp();
+}
+
+}  // namespace dft

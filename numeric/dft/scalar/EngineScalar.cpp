@@ -1,0 +1,19 @@
+// The only variant of builds without vector instructions.
+#include "numeric/dft/Engine.h"
+#include "numeric/dft/RealTransform.h"
+#include "numeric/dft/VectorScalar.h"
+
+namespace dft {
+namespace {
+
+using Isa = Widths<Vector1>;
+constexpr Engine kScalar = {forward<Isa>, inverse<Isa>, forward_core<Isa>};
+
+}  // namespace
+
+const Engine* const engines[kEngines] = {&kScalar, &kScalar, &kScalar, &kScalar, &kScalar};
+
+int best_engine() { return 0; }
+bool is_intel() { return false; }
+
+}  // namespace dft

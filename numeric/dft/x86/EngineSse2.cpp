@@ -1,0 +1,18 @@
+// The variant for 128-bit vectors, which every x86-64 processor has. This source has compiler flags
+// of its own.
+#include "numeric/dft/x86/Engines.h"
+
+#include "numeric/dft/RealTransform.h"
+#include "numeric/dft/VectorScalar.h"
+#include "numeric/dft/x86/VectorSse2.h"
+
+namespace dft {
+namespace {
+
+using Isa = Widths<Vector1, Vector4>;
+
+}  // namespace
+
+const Engine kEngineSse2 = {forward<Isa>, inverse<Isa>, forward_core<Isa>};
+
+}  // namespace dft

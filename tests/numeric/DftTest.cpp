@@ -1,0 +1,324 @@
+// The transform engine against the defining sum: every variant that this processor can run, every
+// method, any alignment, and the codes by which it refuses.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "numeric/dft/Engine.h"
+#include "numeric/dft/ippDFT.h"
+#include "tests/support/AllocationGuard.h"
+#include "tests/support/Random.h"
+#include "tests/support/Reference.h"
+
+namespace {
+
+constexpr float kCanary = 12345.0F;
+
+// One engine variant for as long as it lives.
+class Variant {
+ public:
+  explicit Variant(int index) { ippJumpIndexForMergedLibs = index; }
+  ~Variant() { ippJumpIndexForMergedLibs = -1; }
+};
+
+std::vector<int> distinct_variants() {
+  std::vector<int> list;
+  for (int i = 0; i <= dft::best_engine(); ++i) {
+    if (i == 0 || dft::engines[i] != dft::engines[list.back()]) list.push_back(i);
+  }
+  return list;
+}
+
+// A set-up transform whose blocks start `offset` bytes off any alignment.
+class Dft {
+ public:
+  explicit Dft(int n, int flag = IPP_FFT_DIV_INV_BY_N, std::size_t offset = 0)
+      : skew(offset), length(n) {
+    int sizes[3] = {-1, -1, -1};
+    EXPECT_EQ(ippsDFTGetSize_R_32f(n, flag, ippAlgHintAccurate, sizes, sizes + 1, sizes + 2), 0);
+    for (int i = 0; i < 3; ++i) blocks[i].resize(static_cast<std::size_t>(sizes[i]) + skew);
+    EXPECT_EQ(ippsDFTInit_R_32f(n, flag, ippAlgHintAccurate, spec(), block(1)), ippStsNoErr);
+    std::ranges::fill(blocks[1], Ipp8u{0xFF});
+    if (sizes[2] == 0) blocks[2].clear();
+  }
+  IppsDFTSpec_R_32f* spec() { return reinterpret_cast<IppsDFTSpec_R_32f*>(block(0)); }
+  Ipp8u* work() { return blocks[2].empty() ? nullptr : block(2); }
+  std::size_t floats() const { return 2 * (static_cast<std::size_t>(length) / 2 + 1); }
+
+  AlignedVector<complex> forward(const float* x) {
+    AlignedVector<complex> X(floats() / 2 + 1, {kCanary, kCanary});
+    EXPECT_EQ(ippsDFTFwd_RToCCS_32f(x, reinterpret_cast<float*>(X.data()), spec(), work()), 0);
+    EXPECT_EQ(X.back(), complex(kCanary, kCanary)) << "wrote past bin n / 2, length " << length;
+    X.pop_back();
+    return X;
+  }
+  AlignedVector<float> inverse(const complex* X) {
+    AlignedVector<float> x(static_cast<std::size_t>(length) + 1, kCanary);
+    EXPECT_EQ(ippsDFTInv_CCSToR_32f(reinterpret_cast<const float*>(X), x.data(), spec(), work()),
+              0);
+    EXPECT_EQ(x.back(), kCanary) << "wrote past sample n, length " << length;
+    x.pop_back();
+    return x;
+  }
+
+ private:
+  Ipp8u* block(int i) { return blocks[i].data() + skew; }
+
+  std::size_t skew;
+  int length;
+  std::vector<Ipp8u> blocks[3];  // spec, init, work
+};
+
+// Both directions against the defining sums, from signal and spectrum at odd addresses.
+void check_against_sums(int n, std::size_t offset) {
+  Random random(static_cast<std::uint64_t>(n));
+  Dft dft(n, IPP_FFT_DIV_INV_BY_N, offset);
+  const AlignedVector<float> x = random.signal(static_cast<std::size_t>(n) + offset % 4);
+  const std::span<const float> signal = std::span(x).subspan(offset % 4);
+  const auto X = dft.forward(signal.data());
+  const auto expected = reference::dft(signal);
+  const double limit = reference::transform_limit(n);
+  EXPECT_LE(reference::relative_error(std::span(X), expected), limit)
+      << "forward, length " << n << ", " << reference::worst(std::span(X), expected);
+  EXPECT_EQ(X[0].imag(), 0.0F) << n;
+  EXPECT_TRUE(n % 2 != 0 || X.back().imag() == 0.0F) << n;
+
+  // Random imaginary parts where symmetry asks for 0: the inverse has to ignore them.
+  const auto Y = random.spectrum(static_cast<std::size_t>(n) / 2 + 1);
+  const auto y = dft.inverse(Y.data());
+  const auto sum = reference::inverse_dft(Y, n);
+  EXPECT_LE(reference::relative_error(std::span(y), sum), limit)
+      << "inverse, length " << n << ", " << reference::worst(std::span(y), sum);
+}
+
+// A few bins of a long transform by the defining sum, and the way back.
+void check_long(int n) {
+  Random random(static_cast<std::uint64_t>(n));
+  Dft dft(n);
+  const AlignedVector<float> x = random.signal(static_cast<std::size_t>(n));
+  const auto X = dft.forward(x.data());
+  AlignedVector<complex> actual;
+  std::vector<std::complex<double>> expected;
+  for (const int k : {1, 2, n / 7, n / 5 + 3, n / 3, n / 2 - 1}) {
+    std::complex<double> sum;
+    for (int t = 0; t < n; ++t) {
+      const auto turn = static_cast<double>(std::int64_t{t} * k % n) / n;
+      sum += double{x[static_cast<std::size_t>(t)]} * std::polar(1.0, -2 * std::numbers::pi * turn);
+    }
+    actual.push_back(X[static_cast<std::size_t>(k)]);
+    expected.push_back(sum);
+  }
+  const double limit = reference::transform_limit(n);
+  // Six bins are a small sample of the error: twice the limit that holds for all of them.
+  EXPECT_LE(reference::relative_error(std::span<const complex>(actual), expected), 2 * limit)
+      << "length " << n << ", " << reference::worst(std::span<const complex>(actual), expected);
+  EXPECT_LE(reference::relative_error(dft.inverse(X.data()), std::span<const float>(x)), limit)
+      << "there and back, length " << n;
+}
+
+class EveryVariant : public testing::TestWithParam<int> {
+ protected:
+  Variant variant{GetParam()};
+};
+INSTANTIATE_TEST_SUITE_P(Dft, EveryVariant, testing::ValuesIn(distinct_variants()),
+                         [](const auto& value) { return "Index" + std::to_string(value.param); });
+
+TEST_P(EveryVariant, EqualsTheDefiningSumAtEveryLengthTo300) {
+  for (int n = 1; n <= 300; ++n) check_against_sums(n, static_cast<std::size_t>(n * 7 % 67));
+}
+
+TEST_P(EveryVariant, EqualsTheDefiningSumAtFastLengthsAndTheirNeighbours) {
+  for (const int n :
+       {343,  384,  441,  480,  500,  512,  625,  640,  675,  735,  768,  882,  945, 960,
+        1000, 1024, 1029, 1050, 1125, 1764, 1920, 2048, 2187, 2401, 4096, 4410, 5250}) {
+    check_against_sums(n, 4);
+  }
+}
+
+TEST_P(EveryVariant, ConvolvesWithAChirpWhereAPrimeIsLarge) {
+  for (const int n : {53, 61, 127, 251, 509, 1009, 2039,  // odd, prime
+                      106, 202, 1018, 1994, 2 * 53 * 3,   // twice an odd length
+                      4 * 151, 8 * 151, 53 * 59, 3 * 67, 2 * 2003}) {
+    check_against_sums(n, 1);
+  }
+}
+
+TEST_P(EveryVariant, HandlesPrimeFactorsWithoutAKernelOfTheirOwn) {
+  for (const int n : {11 * 13, 17 * 19, 2 * 23 * 29, 4 * 47, 8 * 149, 16 * 31 * 3, 37 * 41, 43 * 47,
+                      9 * 11, 32 * 13, 64 * 7 * 11}) {
+    check_against_sums(n, 0);
+  }
+}
+
+TEST_P(EveryVariant, KeepsItsPrecisionInLongTransforms) {
+  for (int order = 13; order <= 20; ++order) check_long(1 << order);
+  for (const int n : {70000, 65536 * 3, 100000, 117649, 2 * 177147, 2 * 262153, 496125}) {
+    check_long(n);
+  }
+}
+
+TEST_P(EveryVariant, TransformsInPlace) {
+  for (const int n : {2, 7, 16, 30, 63, 64, 134, 127, 882, 1024, 1125}) {
+    Random random(3);
+    Dft dft(n);
+    AlignedVector<float> buffer = random.signal(dft.floats());
+    const auto expected = dft.forward(buffer.data());
+    ippsDFTFwd_RToCCS_32f(buffer.data(), buffer.data(), dft.spec(), dft.work());
+    const auto* bins = reinterpret_cast<const complex*>(buffer.data());
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), bins)) << n;
+    const auto back = dft.inverse(expected.data());
+    ippsDFTInv_CCSToR_32f(buffer.data(), buffer.data(), dft.spec(), dft.work());
+    EXPECT_TRUE(std::equal(back.begin(), back.end(), buffer.begin())) << n;
+  }
+}
+
+TEST_P(EveryVariant, KeepsItsSourceAndAllocatesNothing) {
+  for (const int n : {9, 100, 1018, 1024, 1125, 1 << 17}) {
+    Random random(11);
+    Dft dft(n);
+    const AlignedVector<float> x = random.signal(dft.floats());
+    AlignedVector<float> y(x.size()), source = x;
+    {
+      const AllocationGuard guard;
+      ippsDFTFwd_RToCCS_32f(source.data(), y.data(), dft.spec(), dft.work());
+      ippsDFTInv_CCSToR_32f(source.data(), y.data(), dft.spec(), dft.work());
+      EXPECT_EQ(guard.allocations() + guard.frees(), 0) << n;
+    }
+    EXPECT_TRUE(reference::same_bits(source, x)) << n;
+  }
+}
+
+TEST_P(EveryVariant, ScalesTheDirectionThatTheFlagNames) {
+  for (const int n : {3, 16, 64, 106, 127, 1125}) {
+    Random random(5);
+    const AlignedVector<float> x = random.signal(static_cast<std::size_t>(n) + 2);
+    Dft plain(n, IPP_FFT_NODIV_BY_ANY);
+    const auto X = plain.forward(x.data());
+    const auto y = plain.inverse(X.data());
+    const auto scaled = [](auto values, double scale) {
+      for (auto& v : values) v *= static_cast<float>(scale);
+      return values;
+    };
+    const double by_n = 1.0 / n, by_root = 1.0 / std::sqrt(n);
+    const struct {
+      int flag;
+      double forward, inverse;
+    } cases[] = {{IPP_FFT_DIV_FWD_BY_N, by_n, 1.0},
+                 {IPP_FFT_DIV_INV_BY_N, 1.0, by_n},
+                 {IPP_FFT_DIV_BY_SQRTN, by_root, by_root}};
+    for (const auto& c : cases) {
+      Dft dft(n, c.flag);
+      const auto bins = dft.forward(x.data()), expected = scaled(X, c.forward);
+      const auto samples = dft.inverse(X.data()), back = scaled(y, c.inverse);
+      for (std::size_t k = 0; k < bins.size(); ++k) {
+        EXPECT_LE(std::abs(bins[k] - expected[k]), 1e-6 * c.forward * n) << n << ' ' << c.flag;
+      }
+      EXPECT_LE(reference::relative_error(samples, std::span<const float>(back)), 1e-6)
+          << n << ' ' << c.flag;
+    }
+  }
+}
+
+TEST(Dft, TinyLengthsAreExact) {
+  const float x[] = {3.0F, -5.0F};
+  EXPECT_EQ(Dft(1).forward(x), (AlignedVector<complex>{{3.0F, 0.0F}}));
+  EXPECT_EQ(Dft(2).forward(x), (AlignedVector<complex>{{-2.0F, 0.0F}, {8.0F, 0.0F}}));
+  const complex one[] = {{3.0F, 9.0F}};
+  EXPECT_EQ(Dft(1).inverse(one), (AlignedVector<float>{3.0F}));
+}
+
+// The shortest length of each method that allocates, so that the rules of choice show.
+TEST(Dft, ReportsSizesThatSuitTheMethod) {
+  for (int n = 1; n <= 2100; ++n) {
+    int spec = -1, init = -1, work = -1;
+    ASSERT_EQ(ippsDFTGetSize_R_32f(n, 2, 2, &spec, &init, &work), ippStsNoErr);
+    EXPECT_GE(spec, 768) << n;
+    EXPECT_EQ(init == 0, n <= 16) << n;
+    EXPECT_EQ(work == 0, n <= 16) << n;
+    EXPECT_EQ((init % 64) + (work % 64) + (spec % 64), 0) << n;
+  }
+}
+
+TEST(Dft, RefusesWithTheCodeOfTheFirstFault) {
+  int a = -7, b = -7, c = -7;
+  EXPECT_EQ(ippsDFTGetSize_R_32f(0, 2, 2, &a, &b, &c), ippStsSizeErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(-8, 2, 2, &a, &b, &c), ippStsSizeErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(64, 3, 2, &a, &b, &c), ippStsFftFlagErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(1 << 30, 2, 2, &a, &b, &c), ippStsFftOrderErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(134217728 + 2, 2, 2, &a, &b, &c), ippStsSizeErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(67108879, 2, 2, &a, &b, &c), ippStsSizeErr) << "odd, by chirp";
+  EXPECT_EQ(ippsDFTGetSize_R_32f(std::numeric_limits<int>::max(), 2, 2, &a, &b, &c), ippStsSizeErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(64, 2, 2, nullptr, &b, &c), ippStsNullPtrErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(64, 2, 2, &a, nullptr, &c), ippStsNullPtrErr);
+  EXPECT_EQ(ippsDFTGetSize_R_32f(64, 2, 2, &a, &b, nullptr), ippStsNullPtrErr);
+  EXPECT_EQ(a + b + c, -21) << "outputs of a refused call stay";
+
+  Dft dft(64), small(8);
+  EXPECT_EQ(ippsDFTInit_R_32f(64, 2, 2, nullptr, nullptr), ippStsNullPtrErr);
+  EXPECT_EQ(ippsDFTInit_R_32f(64, 2, 2, dft.spec(), nullptr), ippStsNullPtrErr);
+  EXPECT_EQ(ippsDFTInit_R_32f(64, 0, 2, dft.spec(), dft.work()), ippStsFftFlagErr);
+
+  float x[66] = {kCanary}, y[66] = {kCanary};
+  std::vector<Ipp8u> blank(4096);
+  auto* unset = reinterpret_cast<IppsDFTSpec_R_32f*>(blank.data());
+  for (const auto transform : {ippsDFTFwd_RToCCS_32f, ippsDFTInv_CCSToR_32f}) {
+    EXPECT_EQ(transform(nullptr, y, dft.spec(), dft.work()), ippStsNullPtrErr);
+    EXPECT_EQ(transform(x, nullptr, dft.spec(), dft.work()), ippStsNullPtrErr);
+    EXPECT_EQ(transform(x, y, nullptr, dft.work()), ippStsNullPtrErr);
+    EXPECT_EQ(transform(x, y, dft.spec(), nullptr), ippStsNullPtrErr);
+    EXPECT_EQ(transform(x, y, unset, dft.work()), ippStsContextMatchErr);
+    EXPECT_EQ(y[0], kCanary);
+    EXPECT_EQ(transform(x, x, small.spec(), nullptr), ippStsNoErr) << "needs no work block";
+  }
+}
+
+TEST(Dft, AllocatesAlignedBlocksWithinItsLimit) {
+  for (const int count : {1, 63, 1000}) {
+    void* blocks[] = {ippsMalloc_8u(count), ippsMalloc_32f(count)};
+    for (void* p : blocks) {
+      EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p) % 64, 0U);
+      EXPECT_NE(p, nullptr);
+      ippFree(p);
+    }
+  }
+  EXPECT_EQ(ippsMalloc_8u(0), nullptr);
+  EXPECT_EQ(ippsMalloc_32f(-1), nullptr);
+  EXPECT_EQ(ippsMalloc_32f(1 << 29), nullptr);
+  ippFree(nullptr);
+}
+
+TEST(Dft, OneSpecServesManyThreadsFromTheFirstUseOn) {
+  constexpr int n = 1200;
+  const Variant unset(-1);
+  Random random(17);
+  const AlignedVector<float> x = random.signal(n);
+  std::vector<AlignedVector<float>> results(4, AlignedVector<float>(n + 2));
+  Dft shared(n);
+  ippJumpIndexForMergedLibs = -1;
+  int spec = 0, init = 0, work = 0;
+  ippsDFTGetSize_R_32f(n, 2, 2, &spec, &init, &work);
+  std::vector<std::thread> threads;
+  for (auto& result : results) {
+    threads.emplace_back([&, work] {
+      std::vector<Ipp8u> own(static_cast<std::size_t>(work));
+      for (int i = 0; i < 50; ++i) {
+        ippsDFTFwd_RToCCS_32f(x.data(), result.data(), shared.spec(), own.data());
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  for (const auto& result : results) EXPECT_TRUE(reference::same_bits(result, results[0]));
+  EXPECT_EQ(ippJumpIndexForMergedLibs, dft::best_engine());
+  const auto expected = reference::dft(x);
+  const std::span bins(reinterpret_cast<const complex*>(results[0].data()), expected.size());
+  EXPECT_LE(reference::relative_error(bins, expected), reference::transform_limit(n));
+}
+
+}  // namespace
