@@ -1,12 +1,16 @@
-# tolmara_folder(<name> PATH <dir>... [USES <name>...] [PACKAGES <pkg-config>...] [LINKS <lib>...])
-# makes the object library tolmara_<name> from the sources directly in its directories; a folder
-# without sources makes nothing. tolmara_link(<target> <name>...) links an executable or module
-# with those folders and all that they use.
+# tolmara_folder(<name> PATH <dir>... [USES <name>...] [PACKAGES <pkg-config>...] [LINKS <lib>...]
+#                [WITHOUT <file>...])
+# makes the object library tolmara_<name> from the sources directly in its directories, without
+# the files named; a folder without sources makes nothing. tolmara_link(<target> <name>...) links
+# an executable or module with those folders and all that they use.
 function(tolmara_folder name)
-  cmake_parse_arguments(arg "" "" "PATH;USES;PACKAGES;LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "PATH;USES;PACKAGES;LINKS;WITHOUT" ${ARGN})
   set(sources)
   foreach(path ${arg_PATH})
     file(GLOB found CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${path}/*.cpp)
+    foreach(file ${arg_WITHOUT})
+      list(REMOVE_ITEM found ${CMAKE_SOURCE_DIR}/${path}/${file})
+    endforeach()
     list(APPEND sources ${found})
   endforeach()
   set_property(GLOBAL PROPERTY TOLMARA_USES_${name} ${arg_USES})

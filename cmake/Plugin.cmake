@@ -1,7 +1,8 @@
 # The module that hosts load: Tolmara.so, with no symbol visible but its two entry points, and the
 # bitmaps beside it.
 add_library(Tolmara MODULE)
-target_sources(Tolmara PRIVATE ${CMAKE_SOURCE_DIR}/plugin/exports.map)
+target_sources(Tolmara PRIVATE ${CMAKE_SOURCE_DIR}/plugin/EntryPoints.cpp)
+target_link_libraries(Tolmara PRIVATE tolmara_options)
 set_target_properties(Tolmara PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}
   LINK_DEPENDS ${CMAKE_SOURCE_DIR}/plugin/exports.map LINKER_LANGUAGE CXX)
 tolmara_link(Tolmara plugin)

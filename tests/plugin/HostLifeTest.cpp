@@ -194,14 +194,14 @@ TEST(HostLife, TheThreeProcessEntriesGiveTheSameSound) {
   const Stereo replaced = plugin.Process(noise);
   AEffect* effect = plugin.Effect();
 
-  plugin.Dispatch(effMainsChanged, 0, 0);
+  plugin.SettleByReset();
   Stereo in = noise, added{Signal(count, 0.25f), Signal(count, -0.5f)};
   for (int at = 0; at < count; at += B) {
     float* ins[] = {in.left.data() + at, in.right.data() + at};
     float* outs[] = {added.left.data() + at, added.right.data() + at};
     effect->process(effect, ins, outs, B);
   }
-  plugin.Dispatch(effMainsChanged, 0, 0);
+  plugin.SettleByReset();
   std::vector<double> left(noise.left.begin(), noise.left.end());
   std::vector<double> right(noise.right.begin(), noise.right.end());
   std::vector<double> outLeft(count), outRight(count);
@@ -222,12 +222,13 @@ TEST(HostLife, AMonoConnectionReverberatesItsOneChannel) {
   HostedPlugin plugin;
   SetSmallRoom(plugin);
   plugin.SettleByReset();
-  const Stereo noise = Noise(2000, 6);
+  Stereo noise = Noise(2000, 6);
+  std::fill(noise.right.begin(), noise.right.end(), 0.0f);
   const Stereo stereo = plugin.Process(noise);
+  plugin.SettleByReset();
   VstSpeakerArrangement mono{};
   mono.numChannels = 1;
   plugin.Dispatch(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&mono), &mono);
-  plugin.Dispatch(effMainsChanged, 0, 0);
   Signal in = noise.left, out(in.size());
   for (size_t at = 0; at < in.size(); at += 50) {
     float* ins[] = {in.data() + at};

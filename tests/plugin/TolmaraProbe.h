@@ -24,6 +24,7 @@ class TolmaraProbe {
   bool Idle() const { return mPlugin->LoadWorkerState().mWorkerIdle; }
   bool SwapPending() const { return mPlugin->LoadWorkerState().mSwapPending; }
   bool KeepsSynthesiser() const { return mPlugin->mFIR != nullptr; }
+  const AlignedVector<float>& Synthesised() const { return mPlugin->mFIR->FIR; }
   const void* Active(size_t channel) const { return mPlugin->mConvActive.at(channel).get(); }
   size_t NextCount() const { return mPlugin->mConvNext.size(); }
   const void* Next(size_t channel) const { return mPlugin->mConvNext.at(channel).get(); }
@@ -69,7 +70,9 @@ class TolmaraProbe {
       WaitForWorker();
     } while (Dirty() || SwapPending());
   }
-  // What comes out for a single 1 at the input, without the delay of one block.
+  // What comes out for a single 1 at the input, without the delay of one block. Transforms round by
+  // where in a partition the 1 falls, so two runs agree to the last bit only on convolvers that
+  // have run equally long.
   std::vector<double> Response(size_t count) {
     mPlugin->Reset();
     std::vector<double> left(count + 2 * BlockSize()), right(left.size());
