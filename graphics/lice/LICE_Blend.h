@@ -2,14 +2,16 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 
 #include "graphics/lice/LICE_Pixel.h"
 
-// A weight as a count of 256ths, truncated; 0 for what paints nothing. The limit keeps absurd
-// weights inside the integer range of every mode below.
+// A weight as a count of 256ths, truncated; 0 for NaN. The limit keeps absurd weights inside the
+// integer range of every mode below.
 inline int LICE_Weight256(float weight) {
-  if (!(weight == weight)) return 0;
-  return static_cast<int>(static_cast<double>(std::clamp(weight, -16.0f, 16.0f)) * 256.0);
+  constexpr float kLimit = 16.0f;
+  if (!(std::abs(weight) <= kLimit)) return weight > 0.0f ? 4096 : weight < 0.0f ? -4096 : 0;
+  return static_cast<int>(weight * 256.0f);
 }
 
 // One byte operation on all four channels.

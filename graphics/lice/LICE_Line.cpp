@@ -1,7 +1,9 @@
 // Straight lines.
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "graphics/lice/LICE_Draw.h"
 #include "graphics/lice/LICE_Pen.h"
@@ -100,19 +102,20 @@ void PaintWalk(const LICE_Surface& s, const Walk& w, bool steep, const Pen& pen)
 }
 
 // Fast path of a line within one column: the waveform display draws hundreds of thousands.
-template <typename Pen>
-void PaintColumn(const LICE_Surface& s, int x, int y1, int y2, const Pen& pen) {
-  if (y1 > y2) std::swap(y1, y2);
-  if (x < 0 || x >= s.w || y2 < 0 || y1 >= s.h) return;
-  y1 = std::max(y1, 0);
-  y2 = std::min(y2, s.h - 1);
-  LICE_pixel* p = s.at(x, y1);
-  for (int n = y2 - y1; n >= 0; --n, p += s.stride) *p = pen(*p);
+// Ordering by minimum and maximum keeps it free of branches that no processor could predict.
+void DrawColumn(const LICE_Surface& s, int x, int y1, int y2, LICE_pixel color, float alpha,
+                int mode) {
+  const int top = std::max(std::min(y1, y2), 0);
+  const int bottom = std::min(std::max(y1, y2), s.h - 1);
+  if (x < 0 || x >= s.w || top > bottom) return;
+  LICE_WithPen(color, alpha, mode, [&](const auto& pen) {
+    LICE_pixel* p = s.at(x, top);
+    for (int n = bottom - top; n >= 0; --n, p += s.stride) *p = pen(*p);
+  });
 }
 
 template <typename Pen>
 void PaintLine(const LICE_Surface& s, int x1, int y1, int x2, int y2, const Pen& pen) {
-  if (x1 == x2) return PaintColumn(s, x1, y1, y2, pen);
   const bool steep = std::abs(y2 - y1) > std::abs(x2 - x1);
   if (steep) {
     std::swap(x1, y1);
@@ -126,9 +129,10 @@ void PaintLine(const LICE_Surface& s, int x1, int y1, int x2, int y2, const Pen&
   PaintWalk(s, walk, steep, pen);
 }
 
-int RoundDown(double v) {
+template <typename Real>
+int RoundDown(Real v) {
   const int i = static_cast<int>(v);
-  return i - (v < i);
+  return i - (v < static_cast<Real>(i));
 }
 
 // Pixels of both sides of the ideal line, weighted by their distance to it, along the longer
@@ -164,17 +168,107 @@ void PaintSmoothLine(const LICE_Surface& s, Segment l, const Pen& pen) {
   }
 }
 
+// A line that is smooth or leaves its column.
+[[gnu::noinline]] void DrawSlanted(const LICE_Surface& s, const Segment& l, LICE_pixel color,
+                                   float alpha, int mode, bool smooth) {
+  LICE_WithPen(color, alpha, mode, [&](const auto& pen) {
+    if (smooth) return PaintSmoothLine(s, l, pen);
+    PaintLine(s, RoundDown(l.x1), RoundDown(l.y1), RoundDown(l.x2), RoundDown(l.y2), pen);
+  });
+}
+
+bool WithinReach(float x, float y) {
+  constexpr auto kLimit = static_cast<float>(kReach);
+  return std::abs(x) <= kLimit && std::abs(y) <= kLimit;
+}
+
+// Counts the lines over each pixel of one column, until the column is left and painted.
+class ColumnCount {
+ public:
+  explicit ColumnCount(const LICE_Surface& surface)
+      : mSurface(surface), mChange(static_cast<std::size_t>(surface.h) + 1), mTop(surface.h) {}
+
+  void Add(int x, int y1, int y2, LICE_pixel sum) {
+    const int top = std::max(std::min(y1, y2), 0);
+    const int bottom = std::min(std::max(y1, y2), mSurface.h - 1);
+    if (x < 0 || x >= mSurface.w || top > bottom) return;
+    if (x != mX) Paint(sum);
+    mX = x;
+    mTop = std::min(mTop, top);
+    mBottom = std::max(mBottom, bottom);
+    ++mChange[static_cast<std::size_t>(top)];
+    --mChange[static_cast<std::size_t>(bottom) + 1];
+  }
+
+  void Paint(LICE_pixel sum) {
+    int count = 0;
+    for (int y = mTop; y <= mBottom; ++y) {
+      count += std::exchange(mChange[static_cast<std::size_t>(y)], 0);
+      LICE_pixel& p = *mSurface.at(mX, y);
+      for (int i = count; i > 0; --i) {
+        const LICE_pixel added = LICE_AddSaturated(p, sum);
+        if (added == p) break;  // saturated: more change nothing
+        p = added;
+      }
+    }
+    if (mTop <= mBottom) mChange[static_cast<std::size_t>(mBottom) + 1] = 0;
+    mTop = mSurface.h;
+    mBottom = -1;
+  }
+
+ private:
+  const LICE_Surface& mSurface;
+  std::vector<int> mChange;  // of the count of lines, from the row above
+  int mX = 0;
+  int mTop;  // first and last row counted
+  int mBottom = -1;
+};
+
+// Fast path of additive lines: a sum that saturates doesn't depend on its order, so those within a
+// column are counted and painted at once.
+void AddPolyLine(LICE_IBitmap* dest, const float* x, const float* y, int n, LICE_pixel color,
+                 float alpha, int mode, const LICE_AddPen& pen) {
+  const LICE_Surface s(dest);
+  ColumnCount column(s);
+  for (int i = 1; i < n; ++i) {
+    const bool near = WithinReach(x[i - 1], y[i - 1]) && WithinReach(x[i], y[i]);
+    const int at = near ? RoundDown(x[i]) : 0;
+    if (near && at == RoundDown(x[i - 1])) {
+      column.Add(at, RoundDown(y[i - 1]), RoundDown(y[i]), pen.sum);
+    } else {
+      LICE_Line(dest, x[i - 1], y[i - 1], x[i], y[i], color, alpha, mode, false);
+    }
+  }
+  column.Paint(pen.sum);
+}
+
 }  // namespace
 
 void LICE_Line(LICE_IBitmap* dest, float x1, float y1, float x2, float y2, LICE_pixel color,
                float alpha, int mode, bool antiAlias) {
   const LICE_Surface s(dest);
   if (!s.top) return;
+  if (WithinReach(x1, y1) && WithinReach(x2, y2)) {
+    const int x = RoundDown(x1);
+    if (!antiAlias && x == RoundDown(x2)) {
+      return DrawColumn(s, x, RoundDown(y1), RoundDown(y2), color, alpha, mode);
+    }
+    return DrawSlanted(s, {x1, y1, x2, y2}, color, alpha, mode, antiAlias);
+  }
   Segment l{x1, y1, x2, y2};
-  const auto near = [](float v) { return std::abs(v) <= static_cast<float>(kReach); };
-  if (!(near(x1) && near(y1) && near(x2) && near(y2)) && !CutToReach(l)) return;
-  LICE_WithPen(color, alpha, mode, [&](const auto& pen) {
-    if (antiAlias) return PaintSmoothLine(s, l, pen);
-    PaintLine(s, RoundDown(l.x1), RoundDown(l.y1), RoundDown(l.x2), RoundDown(l.y2), pen);
+  if (CutToReach(l)) DrawSlanted(s, l, color, alpha, mode, antiAlias);
+}
+
+void LICE_PolyLine(LICE_IBitmap* dest, const float* x, const float* y, int n, LICE_pixel color,
+                   float alpha, int mode) {
+  if (!LICE_Surface(dest).top) return;
+  LICE_WithPen(color, alpha, mode, [&]<typename Pen>(const Pen& pen) {
+    if constexpr (std::is_same_v<Pen, LICE_AddPen>) {
+      AddPolyLine(dest, x, y, n, color, alpha, mode, pen);
+    } else {
+      for (int i = 1; i < n; ++i) {
+        LICE_Line(dest, x[i - 1], y[i - 1], x[i], y[i], color, alpha, mode, false);
+      }
+    }
   });
 }
