@@ -58,6 +58,7 @@ bool IsBankFile(const std::string& path) {
 }
 
 ProgramFile ReadProgramFile(const PluginHost& host, const std::string& path) {
+  if (IsBankFile(path)) Fail(path, "this is a bank, not a preset");
   const std::vector<std::uint8_t> bytes = ReadWholeFile(path);
   ProgramFile program;
   bool complete = false;
