@@ -1,0 +1,145 @@
+// A plug-in and an editor that record what reaches them, and pixels to draw with.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "graphics/IGraphicsOffscreen.h"
+#include "graphics/lice/LICE.h"
+#include "iplug/IPlugBase.h"
+
+// Parameters of the test plug-in.
+enum ETestParam {
+  kLevel,    // double 0 to 1, default 0.25, two decimals, "dB"
+  kCount,    // int 0 to 10, default 4
+  kColour,   // enum "red", "green", "blue"
+  kOnOff,    // bool
+  kNegated,  // double 0 to 12, shown with opposite sign, one decimal
+  kNumTestParams
+};
+
+// Writes down each call as a word: "begin 0", "set 0 0.500", "end 0".
+class TestPlug : public IPlugBase {
+ public:
+  TestPlug();
+
+  void OnParamChange(int paramIdx) override;
+  void BeginInformHostOfParamChange(int idx) override;
+  void InformHostOfParamChange(int idx, double normalizedValue) override;
+  void EndInformHostOfParamChange(int idx) override;
+  void InformHostOfProgramChange() override {}
+  bool IsRenderingOffline() override { return false; }
+  int GetSamplePos() override { return 0; }
+  double GetTempo() override { return 0.0; }
+  void GetTimeSig(int*, int*) override {}
+  void GetTime(ITimeInfo*) override {}
+  int GetHost() override { return 0; }
+  void ResizeGraphics() override { calls.push_back("resized"); }
+  void HostSpecificInit() override {}
+  bool SendMidiMsg(IMidiMsg*) override { return false; }
+  bool SendSysEx(ISysEx*) override { return false; }
+
+  std::vector<std::string> TakeCalls() { return std::exchange(calls, {}); }
+
+ private:
+  std::vector<std::string> calls;
+};
+
+// An editor whose user is a set of functions.
+class TestGraphics : public IGraphicsOffscreen {
+ public:
+  TestGraphics(IPlugBase* plug, int w, int h) : IGraphicsOffscreen(plug, w, h, 0) {}
+
+  bool DrawScreen(IRECT* rect) override;
+  IPopupMenu* CreateIPopupMenu(IPopupMenu* menu, IRECT* rect) override;
+  void CreateTextEntry(IControl* control, IText* text, IRECT* rect, const char* str,
+                       IParam* param) override;
+  void PromptForFile(HeapString* file, int action, HeapString* dir,
+                     const char* extensions) override;
+  bool OpenURL(const char* url, const char* errMsg) override;
+
+  // Draws all that is dirty, as the window's timer does. False when nothing was.
+  bool Tick();
+  uint32_t PixelAt(int x, int y) const { return LICE_GetPixel(GetDrawBitmap(), x, y); }
+  // The smallest rectangle over all pixels of a colour.
+  IRECT BoundsOf(uint32_t pixel) const;
+  int CountOf(uint32_t pixel) const;
+
+  int screens = 0;  // how often the canvas went to the screen
+  std::function<IPopupMenu*(IPopupMenu*)> chooseItem;
+  IRECT lastRect;                                    // of the last menu or field
+  std::string fieldText;                             // what the last field opened with
+  std::function<std::string(std::string)> typeText;  // what the user makes of it
+  std::vector<std::string> urls;                     // all that were asked for
+  std::function<bool(std::string)> openURL;
+  std::string chosenFile;
+};
+
+// A control that records its events and fills its rectangle with a colour.
+class ProbeControl : public IControl {
+ public:
+  ProbeControl(IPlugBase* plug, IRECT rect, int paramIdx = -1, IColor color = kColorRed)
+      : IControl(plug, rect, paramIdx), mColor(color) {}
+
+  void OnMouseDown(int x, int y, IMouseMod*) override { Note("down", x, y); }
+  void OnMouseUp(int x, int y, IMouseMod*) override { Note("up", x, y); }
+  void OnMouseDrag(int, int, int dX, int dY, IMouseMod*) override { Note("drag", dX, dY); }
+  void OnMouseDblClick(int x, int y, IMouseMod*) override { Note("double", x, y); }
+  void OnMouseWheel(int, int, IMouseMod*, int d) override { Note("wheel", d, 0); }
+  void OnMouseOver(int x, int y, IMouseMod*) override { Note("over", x, y); }
+  void OnMouseOut() override { Note("out", 0, 0); }
+  bool OnKeyDown(int, int, int key) override { return Note("key", key, 0), takesKeys; }
+  void TextFromTextEntry(const char* text) override { events.push_back(text); }
+  bool Draw(IGraphics* graphics) override;
+
+  std::vector<std::string> TakeEvents() { return std::exchange(events, {}); }
+
+  bool takesKeys = true;
+  std::function<void()> onDraw;
+
+ private:
+  void Note(const char* name, int a, int b) {
+    events.push_back(std::string(name) + " " + std::to_string(a) + " " + std::to_string(b));
+  }
+
+  IColor mColor;
+  std::vector<std::string> events;
+};
+
+// A plug-in with an editor of 200 by 100.
+class EditorTest : public ::testing::Test {
+ protected:
+  static constexpr int kWidth = 200, kHeight = 100;
+
+  EditorTest() : graphics(new TestGraphics(&plug, kWidth, kHeight)) {}
+
+  // Gives the editor to the plug-in, draws it once and forgets what was called.
+  void Show();
+  template <class T, class... Args>
+  T* Attach(Args&&... args) {
+    auto* control = new T(&plug, std::forward<Args>(args)...);
+    graphics->AttachControl(control);
+    return control;
+  }
+  // Draws frames until nothing is dirty any more.
+  void Settle();
+
+  TestPlug plug;
+  TestGraphics* graphics;  // owned by the plug-in from Show on
+  bool isAttached = false;
+  IMouseMod left{true};
+  IMouseMod right{false, true};
+  IMouseMod shifted{true, false, true};
+
+  ~EditorTest() override {
+    if (!isAttached) delete graphics;
+  }
+};
+
+// A bitmap of `n` stacked frames of w by h, frame i filled with colours[i].
+IBitmap FramesOf(int w, int h, const std::vector<IColor>& colours, bool horizontal = false);
+
+using Calls = std::vector<std::string>;

@@ -1,0 +1,301 @@
+// The stock controls: which pixels a value becomes, and which value the mouse makes.
+#include <numbers>
+
+#include "graphics/IControls.h"
+#include "graphics/IFaderControl.h"
+#include "graphics/IKnobControls.h"
+#include "graphics/ILinkControls.h"
+#include "graphics/ITextControls.h"
+#include "tests/graphics/Fixture.h"
+
+namespace {
+
+constexpr uint32_t kRed = kColorRed.Pixel();
+constexpr uint32_t kGreen = kColorGreen.Pixel();
+constexpr uint32_t kBlue = kColorBlue.Pixel();
+const std::vector<IColor> kThree = {kColorRed, kColorGreen, kColorBlue};
+
+class StockControls : public EditorTest {
+ protected:
+  StockControls() { graphics->AttachPanelBackground(&kColorBlack); }
+
+  void Click(int x, int y) {
+    graphics->OnMouseDown(x, y, &left);
+    graphics->OnMouseUp(x, y, &left);
+    Settle();
+  }
+};
+
+TEST(FrameOf, RoundsToTheNearestFrameWithinTheStrip) {
+  EXPECT_EQ(FrameOf(0.0, 5), 1);
+  EXPECT_EQ(FrameOf(1.0, 5), 5);
+  EXPECT_EQ(FrameOf(0.124, 5), 1);
+  EXPECT_EQ(FrameOf(0.125, 5), 2);
+  EXPECT_EQ(FrameOf(-9.0, 5), 1);
+  EXPECT_EQ(FrameOf(1e300, 5), 5);
+  EXPECT_EQ(FrameOf(std::numeric_limits<double>::quiet_NaN(), 5), 1);
+  EXPECT_EQ(FrameOf(1.0, 1), 1);
+  EXPECT_EQ(FrameOf(1.0, 0), 1);
+}
+
+TEST_F(StockControls, ASwitchStepsThroughItsFramesAndWraps) {
+  auto* two = Attach<ISwitchControl>(0, 0, kOnOff, FramesOf(10, 10, {kColorRed, kColorGreen}));
+  auto* three = Attach<ISwitchControl>(20, 0, kColour, FramesOf(10, 10, kThree));
+  auto* one = Attach<ISwitchControl>(40, 0, -1, FramesOf(10, 10, {kColorRed}));
+  Show();
+  EXPECT_EQ(two->GetRECT(), IRECT(0, 0, 10, 10)) << "one frame, not the strip";
+  EXPECT_EQ(graphics->PixelAt(9, 9), kRed);
+  Click(5, 5);
+  EXPECT_EQ(plug.TakeCalls(), (Calls{"set 3 1.000", "changed 3", "begin 3", "end 3"}));
+  EXPECT_EQ(graphics->PixelAt(9, 9), kGreen);
+  Click(5, 5);
+  EXPECT_EQ(two->GetValue(), 0.0);
+
+  graphics->SetParameterFromPlug(kColour, 0.0, true);
+  for (const auto& [value, pixel] :
+       {std::pair(0.5, kGreen), std::pair(1.0, kBlue), std::pair(0.0, kRed)}) {
+    graphics->OnMouseDblClick(25, 5, &left);  // a fast second click counts as well
+    Settle();
+    EXPECT_EQ(three->GetValue(), value);
+    EXPECT_EQ(graphics->PixelAt(25, 5), pixel);
+  }
+  Click(45, 5);
+  EXPECT_EQ(one->GetValue(), 1.0);
+  Click(45, 5);
+  EXPECT_EQ(one->GetValue(), 0.0);
+}
+
+TEST_F(StockControls, FiveFrameStepsNeverDropTheTopByRounding) {
+  auto* many = Attach<ISwitchControl>(0, 0, -1, FramesOf(4, 1, std::vector<IColor>(12, kColorRed)));
+  Show();
+  int steps = 0;
+  do {
+    Click(1, 0);
+    ++steps;
+  } while (many->GetValue() > 0.0 && steps < 50);
+  EXPECT_EQ(steps, 12);
+}
+
+TEST_F(StockControls, AnInvisibleSwitchTogglesAndAContactFallsBack) {
+  auto* toggle = Attach<IInvisibleSwitchControl>(IRECT(0, 0, 10, 10), kOnOff);
+  auto* contact =
+      Attach<IContactControl>(20, 0, kLevel, FramesOf(10, 10, {kColorRed, kColorGreen}));
+  Show();
+  Click(5, 5);
+  EXPECT_EQ(toggle->GetValue(), 1.0);
+  Click(5, 5);
+  EXPECT_EQ(toggle->GetValue(), 0.0);
+  graphics->SetParameterFromPlug(kLevel, 0.0, true);
+  graphics->OnMouseDown(25, 5, &left);
+  EXPECT_EQ(contact->GetValue(), 1.0);
+  graphics->OnMouseUp(25, 5, &left);
+  EXPECT_EQ(contact->GetValue(), 0.0);
+}
+
+TEST_F(StockControls, RadioButtonsSpreadOverTheirRectangle) {
+  const IBitmap button = FramesOf(10, 8, {kColorRed, kColorGreen});
+  const IRECT wide(10, 20, 71, 40);
+  // Three buttons of 10 in 61: the free 31 leave gaps of 15, and the odd pixel at the far end.
+  auto* across = Attach<IRadioButtonsControl>(wide, kColour, 3, button, kHorizontal);
+  EXPECT_EQ(across->GetButtonRECTs(),
+            (std::vector<IRECT>{{10, 20, 20, 28}, {35, 20, 45, 28}, {60, 20, 70, 28}}));
+  IRadioButtonsControl reverse(&plug, wide, kColour, 3, button, kHorizontal, true);
+  EXPECT_EQ(reverse.GetButtonRECTs(),
+            (std::vector<IRECT>{{61, 20, 71, 28}, {36, 20, 46, 28}, {11, 20, 21, 28}}));
+  IRadioButtonsControl down(&plug, {0, 0, 10, 30}, kColour, 2, button, kVertical);
+  EXPECT_EQ(down.GetButtonRECTs(), (std::vector<IRECT>{{0, 0, 10, 8}, {0, 22, 10, 30}}));
+
+  Show();
+  EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(35, 20, 45, 28)) << "the default is the middle";
+  Click(65, 24);
+  EXPECT_EQ(across->GetValue(), 1.0);
+  EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(60, 20, 70, 28));
+  plug.TakeCalls();
+  Click(25, 24);
+  EXPECT_EQ(across->GetValue(), 1.0);
+  EXPECT_EQ(plug.TakeCalls().front(), "set 2 1.000") << "a miss pushes the value again";
+}
+
+TEST_F(StockControls, FaderHandlesTravelUpAndRight) {
+  const IBitmap handle = FramesOf(12, 10, {kColorRed});
+  auto* vertical = Attach<IFaderControl>(10, 0, 90, kLevel, handle);
+  auto* horizontal = Attach<IFaderControl>(40, 20, 112, kCount, handle, kHorizontal);
+  EXPECT_EQ(vertical->GetRECT(), IRECT(10, 0, 22, 90));
+  EXPECT_EQ(horizontal->GetRECT(), IRECT(40, 20, 152, 30));
+  EXPECT_EQ(vertical->GetHandleRECT(1.0), IRECT(10, 0, 22, 10));
+  EXPECT_EQ(vertical->GetHandleRECT(0.0), IRECT(10, 80, 22, 90));
+  EXPECT_EQ(horizontal->GetHandleRECT(1.0), IRECT(140, 20, 152, 30));
+  EXPECT_EQ(horizontal->GetHandleRECT(0.256), IRECT(65, 20, 77, 30));
+  Show();
+  EXPECT_EQ(vertical->GetHandleRECT(), vertical->GetHandleRECT(0.25));
+  EXPECT_EQ(graphics->PixelAt(15, 65), kRed);
+  EXPECT_EQ(graphics->PixelAt(15, 75), kColorBlack.Pixel());
+}
+
+TEST_F(StockControls, FadersSnapToTheMouseAndStayWithinTheirTrack) {
+  const IBitmap handle = FramesOf(12, 11, {kColorRed});
+  auto* vertical = Attach<IFaderControl>(10, 0, 91, kLevel, handle);
+  auto* horizontal = Attach<IFaderControl>(40, 20, 112, kCount, handle, kHorizontal);
+  Show();
+  graphics->OnMouseDown(15, 25, &left);
+  EXPECT_DOUBLE_EQ(vertical->GetValue(), 1.0 - (25 - 5) / 80.0);
+  graphics->OnMouseDrag(15, -300, &left);
+  EXPECT_EQ(vertical->GetValue(), 1.0);
+  graphics->OnMouseUp(15, -300, &left);
+  graphics->OnMouseDown(76, 25, &left);
+  EXPECT_DOUBLE_EQ(horizontal->GetValue(), 0.3);
+  graphics->OnMouseDrag(41, 25, &left);
+  EXPECT_EQ(horizontal->GetValue(), 0.0);
+  graphics->OnMouseDown(100, 25, &right);
+  EXPECT_EQ(horizontal->GetValue(), 0.0) << "the right button is for typed entry";
+
+  IFaderControl full(&plug, 0, 0, 11, kLevel, handle);
+  full.OnMouseDown(5, 5, &left);
+  EXPECT_EQ(full.GetValue(), 0.0) << "a handle without way to go keeps the value";
+}
+
+TEST_F(StockControls, WithOnlyTheHandleSensitiveTheTrackTakesNoPress) {
+  const IBitmap handle = FramesOf(12, 10, {kColorRed});
+  auto* fader = Attach<IFaderControl>(40, 20, 112, kLevel, handle, kHorizontal, true);
+  Show();
+  Click(100, 25);
+  EXPECT_EQ(fader->GetValue(), 0.25);
+  EXPECT_EQ(plug.TakeCalls(), Calls());
+  graphics->OnMouseDown(66, 25, &left);
+  graphics->OnMouseDrag(96, 25, &left);
+  EXPECT_DOUBLE_EQ(fader->GetValue(), 0.5);
+}
+
+TEST_F(StockControls, KnobsTurnByDragsOverTheirGearing) {
+  auto* up = Attach<IKnobLineControl>(IRECT(0, 0, 40, 60), kLevel, kColorRed);
+  auto* across = Attach<IKnobLineControl>(IRECT(50, 0, 90, 60), kCount, kColorRed, 0.0, 0.0, 0.0,
+                                          1.0, kHorizontal, 2.0);
+  up->SetGearing(6.0);
+  Show();
+  graphics->OnMouseDown(20, 80 - 30, &left);
+  graphics->OnMouseDrag(25, 50 - 60, &left);
+  EXPECT_DOUBLE_EQ(up->GetValue(), 0.25 + 1.0 / 6.0);
+  graphics->OnMouseDrag(25, 50 - 120, &shifted);
+  EXPECT_DOUBLE_EQ(up->GetValue(), 0.25 + 1.0 / 6.0 + 1.0 / 60.0);
+  graphics->OnMouseUp(0, 0, &left);
+  graphics->OnMouseDown(60, 30, &left);
+  graphics->OnMouseDrag(80, 30, &left);
+  EXPECT_DOUBLE_EQ(across->GetValue(), 0.4 + 0.5 / 2.0);
+}
+
+TEST_F(StockControls, ALineKnobPointsFromItsMiddle) {
+  Attach<IKnobLineControl>(IRECT(10, 10, 50, 50), kLevel, kColorRed, 5.0, 15.0, -std::numbers::pi,
+                           std::numbers::pi);
+  Attach<IKnobLineControl>(IRECT(60, 10, 100, 50), kLevel, kColorGreen, 0.0, 0.0, 0.0, 0.0);
+  Show();
+  graphics->SetParameterFromPlug(kLevel, 0.75, true);  // a quarter turn clockwise from upright
+  Settle();
+  EXPECT_GT(graphics->GetPoint(40, 30).R, 100);
+  EXPECT_EQ(graphics->GetPoint(32, 30).R, 0) << "inside the inner radius";
+  EXPECT_EQ(graphics->GetPoint(48, 30).R, 0) << "outside the outer radius";
+  EXPECT_GT(graphics->GetPoint(80, 11).G, 100) << "half the width by default";
+}
+
+TEST_F(StockControls, FilmstripAndTurningKnobsShowTheirValue) {
+  Attach<IKnobMultiControl>(0, 0, kLevel, FramesOf(10, 10, kThree));
+  const IBitmap arrow = FramesOf(20, 10, {kColorRed, kColorGreen});
+  Attach<IKnobRotaterControl>(40, 20, kLevel, IBitmap(arrow.mData, 20, 20), 0.0, std::numbers::pi);
+  const IBitmap clear = FramesOf(20, 20, {IColor(0, 0, 0, 0)});
+  Attach<IKnobRotatingMaskControl>(80, 20, kLevel, IBitmap(arrow.mData, 20, 20), clear, clear);
+  Show();
+  for (const auto& [value, strip, top] :
+       {std::tuple(0.0, kRed, kRed), std::tuple(1.0, kBlue, kGreen)}) {
+    graphics->SetParameterFromPlug(kLevel, value, true);
+    Settle();
+    EXPECT_EQ(graphics->PixelAt(5, 5), strip);
+    EXPECT_EQ(graphics->PixelAt(50, 23), top);
+    EXPECT_EQ(graphics->PixelAt(90, 23), kRed) << "the base does not turn";
+  }
+}
+
+TEST_F(StockControls, AnOverlayOpensFromItsTargetAndClosesFromItself) {
+  const IBitmap picture = FramesOf(60, 40, {kColorGreen, kColorRed});
+  auto* overlay = Attach<IBitmapOverlayControl>(20, 20, -1, picture, IRECT(0, 0, 10, 10));
+  overlay->SetValueFromPlug(0.0);
+  Show();
+  EXPECT_EQ(graphics->CountOf(kRed), 0);
+  Click(40, 40);
+  EXPECT_EQ(overlay->GetValue(), 0.0);
+  Click(5, 5);
+  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(20, 20, 80, 60));
+  Click(5, 5);
+  EXPECT_EQ(overlay->GetValue(), 1.0) << "open, it no longer listens at the target";
+  Click(40, 40);
+  EXPECT_EQ(overlay->GetValue(), 0.0);
+}
+
+TEST_F(StockControls, ACaptionShowsValueAndUnitAndOpensTypedEntry) {
+  auto* level = Attach<ICaptionControl>(IRECT(0, 0, 80, 20), kLevel, IText(14, kColorRed));
+  auto* bare = Attach<ICaptionControl>(IRECT(0, 30, 80, 50), kLevel, IText(14, kColorRed), false);
+  level->DisablePrompt(false);
+  Show();
+  EXPECT_STREQ(level->GetTextString(), "0.25 dB");
+  EXPECT_STREQ(bare->GetTextString(), "0.25");
+  EXPECT_GT(graphics->BoundsOf(kRed).W(), 20);
+  graphics->OnMouseDown(5, 5, &left);
+  EXPECT_EQ(graphics->fieldText, "0.25");
+  graphics->fieldText = "";
+  graphics->OnMouseDblClick(5, 5, &left);
+  EXPECT_EQ(graphics->fieldText, "0.25");
+}
+
+TEST_F(StockControls, BitmapTextDrawsOneCellACharacterAndStopsAtTheEdge) {
+  // Frames from the blank on: blank clear, '!' red, '"' green, '#' blue.
+  const IBitmap font = FramesOf(6, 8, {kColorBlack, kColorRed, kColorGreen, kColorBlue});
+  auto* text = Attach<IBitmapTextControl>(IRECT(10, 10, 70, 30), font, "!#", 6, 8);
+  Show();
+  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(34, 16, 40, 24));
+  EXPECT_EQ(graphics->BoundsOf(kBlue), IRECT(40, 16, 46, 24));
+  text->GetText().mAlign = IText::kAlignNear;
+  text->SetTextFromPlug("\"!!!!!!!!!!!!!!!!!");
+  Settle();
+  EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(16, 16, 22, 24));
+  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(22, 16, 64, 24)) << "8 cells fit between the margins";
+}
+
+TEST_F(StockControls, ALinkTriesItsFallbackOnlyWhenTheFirstFails) {
+  Attach<IURLControl>(IRECT(0, 0, 10, 10), "https://a", "https://b", "gone");
+  Attach<IURLControl>(IRECT(20, 0, 30, 10), "", "https://b");
+  Attach<IURLControl>(IRECT(40, 0, 50, 10), "", "");
+  Attach<IURLControl>(IRECT(60, 0, 70, 10), std::string(1000, 'x').c_str());
+  Show();
+  Click(5, 5);
+  EXPECT_EQ(graphics->urls, (Calls{"https://a", "https://b"}));
+  graphics->urls.clear();
+  graphics->openURL = [](const std::string&) { return true; };
+  Click(5, 5);
+  Click(25, 5);
+  Click(45, 5);
+  EXPECT_EQ(graphics->urls, (Calls{"https://a", "https://b"}));
+  Click(65, 5);
+  EXPECT_EQ(graphics->urls.back().size(), 255U);
+}
+
+TEST_F(StockControls, AFileSelectorStoresTheChoiceAndTellsThePlugin) {
+  auto* selector = Attach<IFileSelectorControl>(IRECT(0, 0, 10, 10), kOnOff,
+                                                FramesOf(10, 10, {kColorRed}), 0, "/start/", "wav");
+  graphics->chosenFile = "/chosen/a.wav";
+  selector->OnMouseDown(5, 5, &left);
+  HeapString file;
+  selector->GetLastSelectedFileForPlug(&file);
+  EXPECT_STREQ(file.Get(), "") << "without an editor there is nothing to ask";
+  Show();
+  Click(5, 5);
+  selector->GetLastSelectedFileForPlug(&file);
+  EXPECT_STREQ(file.Get(), "/chosen/a.wav");
+  EXPECT_EQ(plug.TakeCalls().front(), "set 3 1.000");
+  EXPECT_EQ(graphics->CountOf(kRed), 0) << "the picture shows only while the dialog is open";
+  EXPECT_FALSE(graphics->Tick());
+  Click(5, 5);
+  EXPECT_EQ(plug.TakeCalls().front(), "set 3 0.000");
+  selector->SetLastSelectedFileFromPlug("/other");
+  selector->GetLastSelectedFileForPlug(&file);
+  EXPECT_STREQ(file.Get(), "/other");
+}
+
+}  // namespace
