@@ -1,6 +1,7 @@
 // The drawing side of the display.
 #include <string>
 
+#include "display/AdditivePolyline.h"
 #include "display/ITolmaraWaveformSpectrogram.h"
 #include "display/LogAxis.h"
 #include "dsp/FIRFunctions.h"
@@ -10,7 +11,7 @@
 
 namespace {
 
-// Lines of both panels add up where they meet.
+// Rows of the spectrogram add up where they meet.
 constexpr IChannelBlend kAdd(IChannelBlend::kBlendAdd, 1.0F);
 
 std::string Fixed2(float value) {
@@ -50,13 +51,8 @@ void ITolmaraWaveformSpectrogram::DrawStatus(IGraphics& graphics) {
 }
 
 void ITolmaraWaveformSpectrogram::DrawWaveform(IGraphics& graphics) {
-  float x = mWaveLeft;
-  float y = mWaveBottom;
-  for (std::size_t i = 0; i < mWaveX.size(); ++i) {
-    graphics.DrawLine(&mWaveColor, x, y, mWaveX[i], mWaveY[i], &kAdd, false);
-    x = mWaveX[i];
-    y = mWaveY[i];
-  }
+  AdditivePolyline line(graphics, mWaveColor, mWaveLeft, mWaveBottom, mWaveRect.T, mWaveRect.B);
+  for (std::size_t i = 0; i < mWaveX.size(); ++i) line.LineTo(mWaveX[i], mWaveY[i]);
 }
 
 // At the end of the response and each time half as far in.
