@@ -37,25 +37,27 @@ void PaintCovered(LICE_IBitmap* dest, const Box& box, LICE_pixel color, float al
   });
 }
 
-// Coverage by a disc of radius r of the pixel that is (dx, dy) from its centre.
-double Disc(double dx, double dy, double r) {
-  return std::clamp(r + 0.5 - std::sqrt(dx * dx + dy * dy), 0.0, 1.0);
-}
-
-// The sharp disc is the sharp ring of radius r and all that lies in it.
-double SharpDisc(double dx, double dy, double r) {
-  return dx * dx + dy * dy < (r + 0.5) * (r + 0.5) ? 1.0 : 0.0;
-}
-
-// Coverage by a ring of radius r, one pixel wide. The sharp ring takes one pixel per step along
-// its longer axis.
-double Ring(double dx, double dy, double r, bool smooth) {
-  if (smooth) return std::max(0.0, 1.0 - std::abs(std::sqrt(dx * dx + dy * dy) - r));
+// How far the pixel that is (dx, dy) from its centre lies outside a circle, along its longer axis.
+double MissOf(double dx, double dy, double r) {
   const double major = std::max(std::abs(dx), std::abs(dy));
   const double minor = std::min(std::abs(dx), std::abs(dy));
   const double square = r * r - minor * minor;
-  if (square < 0.0) return 0.0;
-  const double miss = major - std::sqrt(square);
+  return square < 0.0 ? major : major - std::sqrt(square);
+}
+
+// Coverage of that pixel by a disc of radius r. The sharp disc is the sharp ring and all inside.
+double Disc(double dx, double dy, double r) {
+  return std::clamp(r + 0.5 - std::sqrt(dx * dx + dy * dy), 0.0, 1.0);
+}
+double SharpDisc(double dx, double dy, double r) { return MissOf(dx, dy, r) < 0.5 ? 1.0 : 0.0; }
+
+// Coverage by a ring of radius r, one pixel wide. The sharp ring takes one pixel per step along
+// its longer axis.
+double Ring(double dx, double dy, double r) {
+  return std::max(0.0, 1.0 - std::abs(std::sqrt(dx * dx + dy * dy) - r));
+}
+double SharpRing(double dx, double dy, double r) {
+  const double miss = MissOf(dx, dy, r);
   return miss >= -0.5 && miss < 0.5 ? 1.0 : 0.0;
 }
 
@@ -106,7 +108,7 @@ void LICE_Arc(LICE_IBitmap* dest, float cx, float cy, float r, float minAngle, f
   };
   PaintCovered(dest, Around(cx, cy, r + 1.0), color, alpha, mode, [&](int x, int y) {
     const double dx = x - double{cx}, dy = y - double{cy};
-    const double coverage = Ring(dx, dy, r, antiAlias);
+    const double coverage = antiAlias ? Ring(dx, dy, r) : SharpRing(dx, dy, r);
     return coverage > 0.0 && inside(dx, dy) ? coverage : 0.0;
   });
 }
@@ -116,7 +118,7 @@ void LICE_RoundRect(LICE_IBitmap* dest, float x, float y, float w, float h, floa
   const RoundBox box(x, y, w, h, cornerRadius);
   PaintCovered(dest, box.outer, color, alpha, mode, [&](int px, int py) {
     const double dx = box.dx(px), dy = box.dy(py);
-    if (dx > 0.0 && dy > 0.0) return Ring(dx, dy, box.r, antiAlias);
+    if (dx > 0.0 && dy > 0.0) return antiAlias ? Ring(dx, dy, box.r) : SharpRing(dx, dy, box.r);
     const double inside = std::min(
         {px - box.outer.left, box.outer.right - px, py - box.outer.top, box.outer.bottom - py});
     if (!antiAlias) return inside >= -0.5 && inside < 0.5 ? 1.0 : 0.0;

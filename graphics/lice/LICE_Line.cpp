@@ -35,15 +35,22 @@ bool CutToReach(Segment& s) {
     if (std::isnan(*v)) return false;
     *v = std::clamp(*v, -1e39, 1e39);  // just beyond any finite float
   }
-  const double dx = s.x2 - s.x1, dy = s.y2 - s.y1;
-  double t0 = 0.0, t1 = 1.0;
-  if (!Narrow(s.x1, dx, t0, t1) || !Narrow(s.y1, dy, t0, t1)) return false;
-  // Each end is measured from the given end nearer to it, which loses the least.
-  const auto at = [](double from, double to, double t) {
-    const double v = t < 0.5 ? from + (to - from) * t : to - (to - from) * (1.0 - t);
-    return std::clamp(v, -kReach, kReach);
+  // Measured from the point nearest to the bitmap, the visible part loses the least.
+  struct Anchor {
+    double x, y, before;  // share of the line before it
+    double Distance() const { return std::abs(x) + std::abs(y); }
   };
-  s = {at(s.x1, s.x2, t0), at(s.y1, s.y2, t0), at(s.x1, s.x2, t1), at(s.y1, s.y2, t1)};
+  const Anchor anchor =
+      std::min({Anchor{s.x1, s.y1, 0.0}, Anchor{s.x2, s.y2, 1.0},
+                Anchor{(s.x1 + s.x2) / 2.0, (s.y1 + s.y2) / 2.0, 0.5}},
+               [](const Anchor& a, const Anchor& b) { return a.Distance() < b.Distance(); });
+  const double dx = s.x2 - s.x1, dy = s.y2 - s.y1;
+  double t0 = -anchor.before, t1 = 1.0 - anchor.before;
+  if (!Narrow(anchor.x, dx, t0, t1) || !Narrow(anchor.y, dy, t0, t1)) return false;
+  const auto at = [](double from, double d, double t) {
+    return std::clamp(from + d * t, -kReach, kReach);
+  };
+  s = {at(anchor.x, dx, t0), at(anchor.y, dy, t0), at(anchor.x, dx, t1), at(anchor.y, dy, t1)};
   return true;
 }
 

@@ -3,7 +3,9 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -13,33 +15,77 @@ constexpr png_uint_32 kMaxSide = 16384;
 constexpr png_uint_32 kMaxPixels = png_uint_32{1} << 24;
 constexpr std::size_t kMaxFile = std::size_t{1} << 27;  // more than the largest image unpacked
 
-// The decoder's handle. libpng's simplified interface catches its own long jumps before they
-// reach a frame of ours.
+// libpng reports errors by a long jump. Those functions below that set its target hold no object
+// that needs to be destroyed; what is to be released is owned here, by their callers.
 struct Decoder {
-  Decoder() { image.version = PNG_IMAGE_VERSION; }
-  ~Decoder() { png_image_free(&image); }
+  Decoder(const void* data, std::size_t size)
+      : at(static_cast<const unsigned char*>(data)), left(size) {}
+  ~Decoder() { png_destroy_read_struct(&png, &info, nullptr); }
   Decoder(const Decoder&) = delete;
   Decoder& operator=(const Decoder&) = delete;
 
-  png_image image{};
+  const unsigned char* at;  // next byte of the file
+  std::size_t left;         // bytes of the file from there
+  png_structp png = nullptr;
+  png_infop info = nullptr;
 };
 
-bool Decode(const void* data, std::size_t size, LICE_IBitmap& into) {
-  Decoder decoder;
-  png_image& image = decoder.image;
-  if (!png_image_begin_read_from_memory(&image, data, size)) return false;
-  if (image.width > kMaxSide || image.height > kMaxSide ||
-      image.width * image.height > kMaxPixels) {
-    return false;
+[[noreturn]] void OnError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+void OnWarning(png_structp, png_const_charp) {}
+
+void OnRead(png_structp png, png_bytep out, std::size_t n) {
+  Decoder& decoder = *static_cast<Decoder*>(png_get_io_ptr(png));
+  if (n > decoder.left) png_error(png, "end of file");
+  std::memcpy(out, decoder.at, n);
+  decoder.at += n;
+  decoder.left -= n;
+}
+
+// Reads up to the pixels and asks for them as bytes A, R, G, B.
+bool ReadHeader(Decoder& d) {
+  d.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning);
+  if (d.png) d.info = png_create_info_struct(d.png);
+  if (!d.info) return false;
+  if (setjmp(png_jmpbuf(d.png))) return false;
+  png_set_user_limits(d.png, kMaxSide, kMaxSide);
+  png_set_read_fn(d.png, &d, OnRead);
+  png_read_info(d.png, d.info);
+  png_set_expand(d.png);
+  png_set_scale_16(d.png);
+  png_set_gray_to_rgb(d.png);
+  if ((png_get_color_type(d.png, d.info) & PNG_COLOR_MASK_ALPHA) ||
+      png_get_valid(d.png, d.info, PNG_INFO_tRNS)) {
+    png_set_swap_alpha(d.png);
+  } else {
+    png_set_add_alpha(d.png, 0xFF, PNG_FILLER_BEFORE);
   }
-  image.format = PNG_FORMAT_ARGB;
-  // Files of 16 bits without a gamma of their own hold the same curve as those of 8 bits.
-  image.flags |= PNG_IMAGE_FLAG_16BIT_sRGB;
-  into.resize(static_cast<int>(image.width), static_cast<int>(image.height));
+  png_set_interlace_handling(d.png);
+  png_read_update_info(d.png, d.info);
+  return png_get_rowbytes(d.png, d.info) ==
+         sizeof(LICE_pixel) * std::size_t{png_get_image_width(d.png, d.info)};
+}
+
+bool ReadPixels(Decoder& d, png_bytepp rows) {
+  if (setjmp(png_jmpbuf(d.png))) return false;
+  png_read_image(d.png, rows);
+  return true;
+}
+
+bool Decode(const void* data, std::size_t size, LICE_IBitmap& into) {
+  Decoder decoder(data, size);
+  if (!ReadHeader(decoder)) return false;
+  const png_uint_32 width = png_get_image_width(decoder.png, decoder.info);
+  const png_uint_32 height = png_get_image_height(decoder.png, decoder.info);
+  if (width * height > kMaxPixels) return false;
+  into.resize(static_cast<int>(width), static_cast<int>(height));
   if (!into.getBits()) return false;
-  const png_int_32 stride = into.getRowSpan() * static_cast<int>(sizeof(LICE_pixel));
-  return png_image_finish_read(&image, nullptr, into.getBits(), into.isFlipped() ? -stride : stride,
-                               nullptr) != 0;
+  std::vector<png_bytep> rows(height);
+  for (std::size_t y = 0; y < height; ++y) {
+    LICE_pixel* const row = into.getBits() + y * static_cast<std::size_t>(into.getRowSpan());
+    rows[y] = reinterpret_cast<png_bytep>(row);
+  }
+  if (into.isFlipped()) std::reverse(rows.begin(), rows.end());
+  return ReadPixels(decoder, rows.data());
 }
 
 struct FileCloser {

@@ -1,0 +1,238 @@
+// Text, measured in the pixels that it paints.
+#include <climits>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "tests/graphics/lice/Pixels.h"
+
+namespace {
+
+constexpr LICE_pixel kWhite = 0xFFFFFFFF;
+
+LICE_FontRequest Request(int height) {
+  LICE_FontRequest request;
+  request.face = "No Such Face";
+  request.height = height;
+  return request;
+}
+
+void Set(LICE_CachedFont& font, const LICE_FontRequest& request) {
+  font.SetFromHFont(LICE_PlatformFont::Create(request).release(), LICE_FONT_FLAG_OWNS_HFONT);
+  font.SetTextColor(kWhite);
+}
+
+// The smallest rectangle that holds all painted pixels.
+LICE_Rect Ink(const LICE_IBitmap& b) {
+  LICE_Rect ink{INT_MAX, INT_MAX, INT_MIN, INT_MIN};
+  for (int y = 0; y < b.getHeight(); ++y) {
+    for (int x = 0; x < b.getWidth(); ++x) {
+      if (!LICE_GetPixel(&b, x, y)) continue;
+      ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
+             std::max(ink.bottom, y + 1)};
+    }
+  }
+  return ink;
+}
+
+LICE_Rect Drawn(LICE_CachedFont& font, const char* text, LICE_Rect rect, int flags) {
+  LICE_MemBitmap b(300, 120);
+  font.DrawText(&b, text, -1, &rect, flags);
+  return Ink(b);
+}
+
+int InkOf(const LICE_FontRequest& request, const char* text) {
+  LICE_CachedFont font;
+  Set(font, request);
+  LICE_MemBitmap b(300, 120);
+  LICE_Rect rect{20, 20, 280, 100};
+  font.DrawText(&b, text, -1, &rect, LICE_TEXT_NEAR);
+  int sum = 0;
+  for (const LICE_pixel p : Screen(b)) sum += LICE_GETR(p);
+  return sum;
+}
+
+TEST(CachedFont, AlignsTheInkInItsRectangle) {
+  for (int height = 8; height <= 24; ++height) {
+    LICE_CachedFont font;
+    Set(font, Request(height));
+    EXPECT_EQ(font.GetLineHeight(), height);
+    for (const char* text : {"H", "1", "-12.50", "100 HX"}) {
+      const LICE_Rect rect{51, 30, 250, 60};
+      const LICE_Rect near = Drawn(font, text, rect, LICE_TEXT_NEAR);
+      const LICE_Rect centre = Drawn(font, text, rect, LICE_TEXT_CENTRE);
+      const LICE_Rect far = Drawn(font, text, rect, LICE_TEXT_FAR);
+      EXPECT_EQ(near.left, rect.left) << text << " " << height;
+      EXPECT_EQ(far.right, rect.right) << text << " " << height;
+      EXPECT_LE(std::abs((centre.left - rect.left) - (rect.right - centre.right)), 1)
+          << text << " " << height;
+      // Capitals stand in the middle of the line, which starts at the rectangle's top.
+      EXPECT_LE(std::abs((near.top - rect.top) - (rect.top + height - near.bottom)), 1)
+          << text << " " << height;
+
+      LICE_Rect measured{7, 5, 0, 0};
+      EXPECT_EQ(font.DrawText(nullptr, text, -1, &measured, LICE_TEXT_CENTRE | LICE_TEXT_MEASURE),
+                height);
+      EXPECT_EQ(measured.right - 7, near.right - near.left);
+      EXPECT_EQ(measured.bottom - 5, height);
+    }
+  }
+}
+
+TEST(CachedFont, DrawsTheSameTextWhateverWasDrawnBefore) {
+  LICE_CachedFont fresh, used;
+  Set(fresh, Request(14));
+  Set(used, Request(14));
+  LICE_MemBitmap a(300, 120), b(300, 120), scratch(300, 120);
+  LICE_Rect rect{10, 10, 290, 30};
+  for (const char* text : {"zebra", "A", "0123", "\xC3\xA9", "~!"})
+    used.DrawText(&scratch, text, -1, &rect, LICE_TEXT_NEAR);
+  fresh.DrawText(&a, "bad zero 30 \xC3\xA9!", -1, &rect, LICE_TEXT_NEAR);
+  used.DrawText(&b, "bad zero 30 \xC3\xA9!", -1, &rect, LICE_TEXT_NEAR);
+  EXPECT_GT(PaintedCount(a), 50);
+  EXPECT_TRUE(SameScreen(b, Screen(a)));
+}
+
+TEST(CachedFont, MixesItsColourByCoverageAndAlpha) {
+  LICE_CachedFont font;
+  Set(font, Request(20));
+  LICE_MemBitmap full(60, 30), half(60, 30);
+  LICE_FillRect(&full, 0, 0, 60, 30, LICE_RGBA(0, 0, 100, 255));
+  LICE_FillRect(&half, 0, 0, 60, 30, LICE_RGBA(0, 0, 100, 255));
+  LICE_Rect rect{5, 5, 55, 25};
+  font.SetTextColor(LICE_RGBA(250, 100, 100, 128));
+  font.DrawText(&full, "H", -1, &rect, LICE_TEXT_CENTRE);
+  font.DrawText(&half, "H", -1, &rect, LICE_TEXT_CENTRE | LICE_TEXT_USE_ALPHA);
+  int brightest = 0, brightest_half = 0;
+  for (const LICE_pixel p : Screen(full)) brightest = std::max(brightest, LICE_GETR(p));
+  for (const LICE_pixel p : Screen(half)) {
+    brightest_half = std::max(brightest_half, LICE_GETR(p));
+    EXPECT_EQ(LICE_GETB(p), 100);
+    EXPECT_EQ(LICE_GETA(p), 255);
+  }
+  EXPECT_EQ(brightest, 250);
+  EXPECT_NEAR(brightest_half, 125, 1);
+}
+
+TEST(CachedFont, ClipsToTheBitmapAndNotToTheRectangle) {
+  LICE_CachedFont font;
+  Set(font, Request(18));
+  LICE_MemBitmap whole(200, 60), part(40, 12);
+  LICE_Rect rect{40, 20, 60, 24};
+  font.DrawText(&whole, "Reverberation", -1, &rect, LICE_TEXT_CENTRE);
+  EXPECT_LT(Ink(whole).left, 40);
+  EXPECT_GT(Ink(whole).right, 60);
+  for (const auto& [x, y] : {std::pair{0, 24}, {30, 15}, {80, 30}, {60, 28}}) {
+    FlippedBitmap window(40, 12);
+    LICE_Rect moved{40 - x, 20 - y, 60 - x, 24 - y};
+    font.DrawText(&window, "Reverberation", -1, &moved, LICE_TEXT_CENTRE);
+    LICE_Blit(&part, &whole, 0, 0, x, y, 40, 12, 1.0f, LICE_BLIT_MODE_COPY);
+    EXPECT_TRUE(SameScreen(window, Screen(part))) << x << " " << y;
+  }
+  LICE_MemBitmap none(5, 5);
+  for (LICE_Rect far : {LICE_Rect{INT_MIN, INT_MIN, INT_MAX, INT_MAX},
+                        LICE_Rect{INT_MAX, INT_MAX, INT_MAX, INT_MAX}}) {
+    font.DrawText(&none, "far away", -1, &far, LICE_TEXT_CENTRE);
+  }
+  EXPECT_EQ(PaintedCount(none), 0);
+}
+
+TEST(CachedFont, ReadsUtf8AndReplacesWhatIsNot) {
+  LICE_CachedFont font;
+  Set(font, Request(16));
+  const auto width = [&font](const std::string& text) {
+    LICE_Rect rect{0, 0, 0, 0};
+    font.DrawText(nullptr, text.c_str(), -1, &rect, LICE_TEXT_NEAR | LICE_TEXT_MEASURE);
+    return rect.right;
+  };
+  // Between two bars, each character of a monospaced font takes the same.
+  const int one = width("|x|") - width("||");
+  EXPECT_GT(one, 0);
+  for (const char* text : {"\xC3\xA9", "\xE2\x82\xAC", "\xFF", "\xC3", "\x80", "\xEF\xBF\xBD"}) {
+    EXPECT_EQ(width(std::string("|") + text + "|"), width("|x|")) << text;
+  }
+  // Overlong forms, surrogates and cut sequences are as many replacements as bytes.
+  EXPECT_EQ(width("|\xC0\xAF|"), width("|xx|"));
+  EXPECT_EQ(width("|\xED\xA0\x80|"), width("|xxx|"));
+  EXPECT_EQ(width("|\xF4\x90\x80\x80|"), width("|xxxx|"));
+  EXPECT_EQ(width("|\xE2\x82"), width("|\xEF\xBF\xBD\xEF\xBF\xBD"));
+  EXPECT_EQ(width("|a\nb|"), width("|ab|"));
+
+  LICE_Rect rect{0, 0, 0, 0};
+  font.DrawText(nullptr, "|x|yyyy", 3, &rect, LICE_TEXT_NEAR | LICE_TEXT_MEASURE);
+  EXPECT_EQ(rect.right, width("|x|"));
+}
+
+TEST(PlatformFont, GivesWeightSlantTurnAndBlackAndWhite) {
+  LICE_FontRequest plain = Request(24), bold = plain, italic = plain, up = plain, crisp = plain;
+  bold.weight = 700;
+  italic.italic = true;
+  up.escapement = up.orientation = 900;
+  crisp.quality = 3;
+  const int ink = InkOf(plain, "Hall");
+  EXPECT_GT(InkOf(bold, "Hall"), ink * 5 / 4);
+  EXPECT_NE(InkOf(italic, "Hall"), ink);
+
+  LICE_CachedFont font, turned, mono;
+  Set(font, plain);
+  Set(turned, up);
+  Set(mono, crisp);
+  const LICE_Rect rect{100, 10, 200, 110};
+  const LICE_Rect flat = Drawn(font, "Hall", rect, LICE_TEXT_CENTRE);
+  const LICE_Rect tall = Drawn(turned, "Hall", rect, LICE_TEXT_CENTRE);
+  EXPECT_NEAR(tall.bottom - tall.top, flat.right - flat.left, 2);
+  EXPECT_NEAR(tall.right - tall.left, flat.bottom - flat.top, 2);
+  EXPECT_NEAR((tall.left + tall.right) / 2, 150, 2);
+
+  LICE_MemBitmap b(100, 40);
+  LICE_Rect all{0, 0, 100, 40};
+  mono.DrawText(&b, "Hall", -1, &all, LICE_TEXT_CENTRE);
+  for (const LICE_pixel p : Screen(b)) EXPECT_TRUE(p == 0 || p == kWhite);
+  EXPECT_GT(PaintedCount(b), 50);
+}
+
+TEST(CachedFont, DoesNothingWithoutAFont) {
+  LICE_CachedFont font;
+  LICE_MemBitmap b(20, 20);
+  LICE_Rect rect{0, 0, 20, 20};
+  EXPECT_EQ(font.GetLineHeight(), 0);
+  EXPECT_EQ(font.DrawText(&b, "x", -1, &rect, LICE_TEXT_NEAR), 0);
+  const auto kept = LICE_PlatformFont::Create(Request(12));
+  font.SetFromHFont(kept.get(), LICE_FONT_FLAG_FORCE_NATIVE);
+  font.SetTextColor(kWhite);
+  EXPECT_EQ(font.DrawText(nullptr, nullptr, -1, &rect, LICE_TEXT_NEAR), 12);
+  EXPECT_EQ(font.DrawText(&b, "x", -1, &rect, LICE_TEXT_NEAR), 12);
+  EXPECT_GT(PaintedCount(b), 0);
+  font.SetFromHFont(nullptr, 0);
+  EXPECT_EQ(font.GetLineHeight(), 0);
+}
+
+TEST(CachedFont, MayBeUsedFromSeveralThreads) {
+  LICE_CachedFont shared;
+  Set(shared, Request(13));
+  LICE_MemBitmap pictures[4];
+  for (LICE_MemBitmap& picture : pictures) picture.resize(200, 40);
+  std::vector<std::thread> threads;
+  for (LICE_MemBitmap& picture : pictures) {
+    threads.emplace_back([&picture, &shared] {
+      for (int round = 0; round < 20; ++round) {
+        LICE_CachedFont own;
+        Set(own, Request(13));
+        LICE_FillRect(&picture, 0, 0, 200, 40, 0);
+        LICE_Rect rect{0, 0, 200, 20}, below{0, 20, 200, 40};
+        own.DrawText(&picture, "Low decay 1.5 s", -1, &rect, LICE_TEXT_CENTRE);
+        shared.DrawText(&picture, "Low decay 1.5 s", -1, &below, LICE_TEXT_CENTRE);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  LICE_MemBitmap upper(200, 20), lower(200, 20);
+  for (const LICE_MemBitmap& picture : pictures) {
+    EXPECT_TRUE(SameScreen(picture, Screen(pictures[0])));
+    LICE_Blit(&upper, &picture, 0, 0, 0, 0, 200, 20, 1.0f, LICE_BLIT_MODE_COPY);
+    LICE_Blit(&lower, &picture, 0, 0, 0, 20, 200, 20, 1.0f, LICE_BLIT_MODE_COPY);
+    EXPECT_TRUE(SameScreen(lower, Screen(upper)));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,218 @@
+// PNG files of every kind, written here, and files that are damaged.
+#include <png.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/graphics/lice/Pixels.h"
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+constexpr png_uint_32 kWidth = 13, kHeight = 9;
+
+struct Format {
+  int color, depth;
+  bool interlaced;
+};
+
+// Encodes rows of packed samples; palette and transparency as the colour type needs.
+Bytes Encode(const Format& format, const std::vector<Bytes>& rows) {
+  Bytes file;
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+  png_set_write_fn(
+      png, &file,
+      [](png_structp p, png_bytep data, std::size_t n) {
+        auto* out = static_cast<Bytes*>(png_get_io_ptr(p));
+        out->insert(out->end(), data, data + n);
+      },
+      nullptr);
+  png_set_IHDR(png, info, kWidth, kHeight, format.depth, format.color,
+               format.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  if (format.color == PNG_COLOR_TYPE_PALETTE) {
+    const png_color palette[] = {{10, 20, 30}, {255, 0, 7}};
+    const png_byte alpha[] = {255, 99};
+    png_set_PLTE(png, info, palette, 2);
+    png_set_tRNS(png, info, alpha, 2, nullptr);
+  }
+  png_write_info(png, info);
+  std::vector<png_bytep> pointers;
+  for (const Bytes& row : rows) pointers.push_back(const_cast<png_bytep>(row.data()));
+  png_write_image(png, pointers.data());
+  png_write_end(png, nullptr);
+  png_destroy_write_struct(&png, &info);
+  return file;
+}
+
+// One sample per channel of a pixel, 0 or the depth's maximum or something between.
+int Sample(int x, int y, int channel, int depth) {
+  const int max = (1 << depth) - 1;
+  return ((x * 7 + y * 13 + channel * 5) % 4) * max / 3;
+}
+
+int ChannelsOf(int color) {
+  return color == PNG_COLOR_TYPE_RGB          ? 3
+         : color == PNG_COLOR_TYPE_RGBA       ? 4
+         : color == PNG_COLOR_TYPE_GRAY_ALPHA ? 2
+                                              : 1;
+}
+
+std::vector<Bytes> SampleRows(const Format& f) {
+  std::vector<Bytes> rows;
+  for (int y = 0; y < static_cast<int>(kHeight); ++y) {
+    std::string bits;
+    for (int x = 0; x < static_cast<int>(kWidth); ++x) {
+      for (int c = 0; c < ChannelsOf(f.color); ++c) {
+        const int depth = f.color == PNG_COLOR_TYPE_PALETTE ? 1 : f.depth;
+        const int value = Sample(x, y, c, depth);
+        for (int bit = f.depth - 1; bit >= 0; --bit) bits += value >> bit & 1 ? '1' : '0';
+      }
+    }
+    Bytes row((bits.size() + 7) / 8);
+    for (std::size_t i = 0; i < bits.size(); ++i) {
+      if (bits[i] == '1') row[i / 8] = static_cast<unsigned char>(row[i / 8] | 0x80 >> i % 8);
+    }
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+std::vector<LICE_pixel> ExpectedPixels(const Format& f) {
+  std::vector<LICE_pixel> pixels;
+  const auto byte = [&](int x, int y, int c) {
+    return Sample(x, y, c, f.depth) * 255 / ((1 << f.depth) - 1);
+  };
+  for (int y = 0; y < static_cast<int>(kHeight); ++y) {
+    for (int x = 0; x < static_cast<int>(kWidth); ++x) {
+      const int first = byte(x, y, 0);
+      switch (f.color) {
+        case PNG_COLOR_TYPE_PALETTE:
+          pixels.push_back(Sample(x, y, 0, 1) ? LICE_RGBA(255, 0, 7, 99)
+                                              : LICE_RGBA(10, 20, 30, 255));
+          break;
+        case PNG_COLOR_TYPE_GRAY: pixels.push_back(LICE_RGBA(first, first, first, 255)); break;
+        case PNG_COLOR_TYPE_GRAY_ALPHA:
+          pixels.push_back(LICE_RGBA(first, first, first, byte(x, y, 1)));
+          break;
+        default:
+          pixels.push_back(LICE_RGBA(first, byte(x, y, 1), byte(x, y, 2),
+                                     f.color == PNG_COLOR_TYPE_RGBA ? byte(x, y, 3) : 255));
+      }
+    }
+  }
+  return pixels;
+}
+
+std::unique_ptr<LICE_IBitmap> Load(const Bytes& file) {
+  return std::unique_ptr<LICE_IBitmap>(LICE_LoadPNGFromMemory(file.data(), file.size()));
+}
+
+Bytes SmallFile() {
+  return Encode({PNG_COLOR_TYPE_RGBA, 8, false}, SampleRows({PNG_COLOR_TYPE_RGBA, 8, false}));
+}
+
+TEST(LoadPng, ReadsEveryKindOfFileAsTheSamePixels) {
+  constexpr int kKinds[][2] = {
+      {PNG_COLOR_TYPE_GRAY, 1},        {PNG_COLOR_TYPE_GRAY, 2},    {PNG_COLOR_TYPE_GRAY, 4},
+      {PNG_COLOR_TYPE_GRAY, 8},        {PNG_COLOR_TYPE_GRAY, 16},   {PNG_COLOR_TYPE_GRAY_ALPHA, 8},
+      {PNG_COLOR_TYPE_GRAY_ALPHA, 16}, {PNG_COLOR_TYPE_RGB, 8},     {PNG_COLOR_TYPE_RGB, 16},
+      {PNG_COLOR_TYPE_RGBA, 8},        {PNG_COLOR_TYPE_RGBA, 16},   {PNG_COLOR_TYPE_PALETTE, 1},
+      {PNG_COLOR_TYPE_PALETTE, 2},     {PNG_COLOR_TYPE_PALETTE, 4}, {PNG_COLOR_TYPE_PALETTE, 8}};
+  for (const auto& [color, depth] : kKinds) {
+    for (const bool interlaced : {false, true}) {
+      const Format format{color, depth, interlaced};
+      const Bytes file = Encode(format, SampleRows(format));
+      const auto made = Load(file);
+      ASSERT_TRUE(made) << color << " " << depth;
+      EXPECT_EQ(made->getRowSpan(), 16);
+      EXPECT_TRUE(SameScreen(*made, ExpectedPixels(format)))
+          << color << " " << depth << " " << interlaced;
+      FlippedBitmap into(2, 2);
+      EXPECT_EQ(LICE_LoadPNGFromMemory(file.data(), file.size(), &into), &into);
+      EXPECT_TRUE(SameScreen(into, ExpectedPixels(format))) << color << " " << depth << " flipped";
+    }
+  }
+}
+
+TEST(LoadPng, GivesNothingForTruncatedFiles) {
+  const Bytes file = SmallFile();
+  for (std::size_t n = 0; n < file.size(); ++n) {
+    LICE_MemBitmap into(5, 5);
+    const Bytes part(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(n));
+    // All pixels are there once only the end mark (12 bytes) and a checksum are missing.
+    if (LICE_LoadPNGFromMemory(part.data(), n, &into)) {
+      EXPECT_GE(n + 16, file.size());
+      EXPECT_TRUE(SameScreen(into, ExpectedPixels({PNG_COLOR_TYPE_RGBA, 8, false})));
+    } else {
+      EXPECT_EQ(into.getWidth(), 0) << n;
+    }
+  }
+}
+
+TEST(LoadPng, SurvivesDamageOfAnyByte) {
+  const Bytes file =
+      Encode({PNG_COLOR_TYPE_PALETTE, 4, true}, SampleRows({PNG_COLOR_TYPE_PALETTE, 4, true}));
+  int loaded = 0;
+  for (int seed = 0; seed < 3000; ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    Bytes damaged = file;
+    for (int i = random.integer(1, 4); i > 0; --i) {
+      damaged[static_cast<std::size_t>(random.integer(0, static_cast<int>(file.size()) - 1))] =
+          static_cast<unsigned char>(random.integer(0, 255));
+    }
+    const auto bitmap = Load(damaged);
+    if (bitmap) ++loaded;
+  }
+  EXPECT_LT(loaded, 1500);  // checksums find most of it
+}
+
+TEST(LoadPng, RefusesImagesThatAreTooLarge) {
+  // A header with valid checksum that announces the size, and no data.
+  const auto header = [](png_uint_32 w, png_uint_32 h) {
+    Bytes file = SmallFile();
+    for (int i = 0; i < 4; ++i) {
+      file[static_cast<std::size_t>(16 + i)] = static_cast<unsigned char>(w >> (24 - 8 * i));
+      file[static_cast<std::size_t>(20 + i)] = static_cast<unsigned char>(h >> (24 - 8 * i));
+    }
+    std::uint32_t crc = 0xFFFFFFFF;
+    for (std::size_t i = 12; i < 29; ++i) {
+      crc ^= file[i];
+      for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320 : 0);
+    }
+    for (int i = 0; i < 4; ++i)
+      file[static_cast<std::size_t>(29 + i)] = static_cast<unsigned char>(~crc >> (24 - 8 * i));
+    return file;
+  };
+  EXPECT_TRUE(Load(header(kWidth, kHeight)));
+  for (const auto& [w, h] : {std::pair{0x7FFFFFFFu, 0x7FFFFFFFu},
+                             {65536u, 65536u},
+                             {16385u, 1u},
+                             {1u, 16385u},
+                             {16384u, 1025u},
+                             {0u, 1u}}) {
+    EXPECT_FALSE(Load(header(w, h))) << w << " " << h;
+  }
+}
+
+TEST(LoadPng, ReadsFilesByPathAndReportsMissingOnesAsNull) {
+  const auto folder = std::filesystem::path(testing::TempDir()) / "lice_png";
+  std::filesystem::create_directories(folder);
+  const Bytes file = SmallFile();
+  std::ofstream(folder / "picture.png", std::ios::binary)
+      .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+  const std::unique_ptr<LICE_IBitmap> bitmap(LICE_LoadPNG((folder / "picture.png").c_str()));
+  ASSERT_TRUE(bitmap);
+  EXPECT_TRUE(SameScreen(*bitmap, ExpectedPixels({PNG_COLOR_TYPE_RGBA, 8, false})));
+  LICE_MemBitmap into(3, 3);
+  EXPECT_EQ(LICE_LoadPNG((folder / "none.png").c_str(), &into), nullptr);
+  EXPECT_EQ(into.getBits(), nullptr);
+  EXPECT_EQ(LICE_LoadPNG(folder.c_str()), nullptr);
+  EXPECT_EQ(LICE_LoadPNG(nullptr), nullptr);
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
