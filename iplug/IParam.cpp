@@ -35,7 +35,8 @@ void IParam::SetRange(double defaultVal, double minVal, double maxVal, double st
   mMin = minVal;
   mMax = std::max(minVal + step, maxVal);
   mStep = step;
-  mValue = mDefault = defaultVal;
+  mDefault = defaultVal;
+  Store(defaultVal);
 }
 
 void IParam::InitBool(const char* name, bool defaultVal, const char* label, const char* group) {
@@ -64,7 +65,7 @@ void IParam::InitDouble(const char* name, double defaultVal, double minVal, doub
   mDisplayPrecision = PrecisionOfStep(step);
 }
 
-void IParam::Set(double value) { mValue = Clamp(value, mMin, mMax); }
+void IParam::Set(double value) { Store(Clamp(value, mMin, mMax)); }
 
 double IParam::FromNormalized(double normalized) const {
   return (mMax - mMin) * std::pow(normalized, mShape) + mMin;
@@ -75,7 +76,7 @@ void IParam::SetNormalized(double normalized) {
   if (mType != kTypeDouble) v = std::floor(v / mStep + 0.5) * mStep;
   // kept: no lower clamp, since 0 and above cannot go below the lower bound. What is not a number
   // goes to that bound, so that none is ever stored.
-  mValue = std::isnan(v) ? mMin : std::min(v, mMax);
+  Store(std::isnan(v) ? mMin : std::min(v, mMax));
 }
 
 double IParam::GetNormalized(double value) const {
@@ -139,6 +140,6 @@ void IParam::GetBounds(double* lo, double* hi) const {
   *hi = mMax;
 }
 
-int IParam::Int() const { return SaturateToInt(mValue); }
+int IParam::Int() const { return SaturateToInt(Value()); }
 
-double IParam::DBToAmp() const { return std::exp(mValue * 0.1151292546497); }
+double IParam::DBToAmp() const { return std::exp(Value() * 0.1151292546497); }

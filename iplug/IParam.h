@@ -1,6 +1,7 @@
 // One automatable value of a plug-in.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -32,7 +33,7 @@ class IParam {
   // Takes 0 to 1 through the taper; rounds to the step unless the kind is double.
   void SetNormalized(double normalized);
   // The real value, or `value`, clamped to the range, as 0 to 1.
-  double GetNormalized() const { return GetNormalized(mValue); }
+  double GetNormalized() const { return GetNormalized(Value()); }
   double GetNormalized(double value) const;
 
   void SetShape(double shape);  // taper exponent above 0; 0 is ignored
@@ -55,9 +56,11 @@ class IParam {
   const char* GetParamGroupForHost() const { return mParamGroup; }
   void GetBounds(double* lo, double* hi) const;
 
-  double Value() const { return mValue; }
+  double Value() const {
+    return std::atomic_ref<double>(const_cast<double&>(mValue)).load(std::memory_order_relaxed);
+  }
   int Int() const;
-  bool Bool() const { return mValue >= 0.5; }
+  bool Bool() const { return Value() >= 0.5; }
   double DBToAmp() const;
   EParamType Type() const { return mType; }
   double GetDefault() const { return mDefault; }
@@ -73,11 +76,14 @@ class IParam {
   };
 
   void Init(EParamType type, const char* name, const char* label, const char* group);
+  void Store(double value) {
+    std::atomic_ref<double>(mValue).store(value, std::memory_order_relaxed);
+  }
   void SetRange(double defaultVal, double minVal, double maxVal, double step);
   double FromNormalized(double normalized) const;
 
   EParamType mType = kTypeNone;
-  double mValue = 0.0;
+  double mValue = 0.0;  // shared: the editor reads it without the lock
   double mMin = 0.0;
   double mMax = 1.0;
   double mStep = 1.0;   // grid of all kinds but double; the editor's step of those
