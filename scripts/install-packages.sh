@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# install-packages.sh [build] [test] [fuzz]: installs what is missing of the Debian packages that
-# building, testing or fuzzing need. Asks nothing of the network when all are there.
+# install-packages.sh [build] [test] [fuzz] [bench] [art]: installs what is missing of the Debian
+# packages that building, testing, fuzzing, measuring or drawing the editor's pictures need. Asks
+# nothing of the network when all are there.
 set -euo pipefail
 
 declare -A sets=(
@@ -9,6 +10,8 @@ declare -A sets=(
            fonts-dejavu-core gnuplot-nox"
   [test]="clang-format xvfb xauth xdotool"
   [fuzz]="clang libclang-rt-14-dev"
+  [bench]="libbenchmark-dev libfftw3-dev libzita-convolver-dev"
+  [art]="librsvg2-bin"
 )
 
 missing=()
