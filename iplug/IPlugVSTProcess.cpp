@@ -1,5 +1,6 @@
 // The host's audio and parameter calls.
 #include <algorithm>
+#include <cmath>
 
 #include "iplug/IPlugVST.h"
 #include "iplug/Trace.h"
@@ -58,7 +59,8 @@ float IPlugVST::GetParameter(AEffect* effect, std::int32_t index) {
 }
 
 void IPlugVST::SetParameter(AEffect* effect, std::int32_t index, float value) {
-  const double normalized = static_cast<double>(value);
+  // What is not a number counts as 0, for the editor as for the parameter.
+  const double normalized = std::isnan(value) ? 0.0 : static_cast<double>(value);
   Trace("VSTSetParameter", __LINE__, "%d:%f", index, normalized);
   IPlugVST* plug = PlugOf(effect);
   if (!plug) return;

@@ -55,6 +55,7 @@ double NumberFromText(const char* text) {
   if (*text == '-') return 0.0;  // from_chars would take a second sign
   double value = 0.0;
   const auto [end, error] = std::from_chars(text, text + std::strlen(text), value);
+  if (error == std::errc::invalid_argument) return 0.0;
   if (error == std::errc::result_out_of_range) value = OutOfRange(text, end);
   return negative ? -value : value;
 }

@@ -1,0 +1,238 @@
+// What the plug-in asks of the host, and what it does differently for some.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <set>
+
+#include "TestPlug.h"
+#include "iplug/Hosts.h"
+
+namespace {
+
+TEST(Hosts, TheFirstTextInTheStringDecides) {
+  const struct {
+    const char* product;
+    int code;
+  } kCases[] = {{"REAPER", 1},
+                {"", 0},
+                {"Steinberg Cubase 5", 3},
+                {"NuEndo", 4},
+                {"Live Reaper", 1},
+                {"Olive", 9},
+                {"Fruity Wrapper", 7},
+                {"Fruity Live", 7},
+                {"Ableton Live", 9},
+                {"Logic Pro", 21},
+                {"VST3PluginTestHost", 27},
+                {"Ardour", 28},
+                {"Ardour Live", 9},
+                {"Nothing known", 0}};
+  for (const auto& c : kCases) EXPECT_EQ(LookUpHost(c.product), c.code) << c.product;
+  EXPECT_EQ(LookUpHost(nullptr), 0);
+}
+
+TEST(Hosts, CodesWithoutATextAreUnknownButOne) {
+  std::set<std::string> names;
+  for (int code = -2; code < 35; ++code) {
+    char name[32];
+    GetHostNameStr(code, name);
+    names.insert(name);
+    const bool nameless =
+        code < 1 || code == 10 || code == 11 || code == 12 || code == 19 || code > 28;
+    EXPECT_EQ(std::string(name) == "Unknown", nameless) << code;
+    EXPECT_EQ(std::string(name) == "Vegas", code == 6);
+  }
+  EXPECT_EQ(names.size(), 25U) << "each its own name";
+}
+
+TEST(HostServices, TheHostIsAskedOnce) {
+  Rig rig;
+  rig.host.product = "Ardour";
+  rig.host.vendorVersion = 70305;
+  EXPECT_EQ(rig.plug->GetHostVersion(true), 70305);
+  EXPECT_EQ(rig.plug->GetHost(), kHostArdour);
+  char text[32];
+  rig.plug->GetHostVersionStr(text);
+  EXPECT_STREQ(text, "v7.3.5");
+  EXPECT_EQ(rig.plug->GetHostVersion(false), 0x00070305);
+  EXPECT_EQ(rig.host.Count(audioMasterGetProductString), 1);
+  Rig silent;
+  silent.host.product = "";
+  silent.host.vendorVersion = 123;
+  EXPECT_EQ(silent.plug->GetHostVersion(true), 0);
+  EXPECT_EQ(silent.plug->GetHost(), 0);
+  EXPECT_EQ(silent.host.calls.size(), 1U) << "no version without a name, and no second question";
+}
+
+TEST(HostServices, PinsOfHostsThatConnectTooManyAreLeftUnread) {
+  PlugOptions options;
+  options.channelIO = "4-4";
+  for (const char* product : {"Forte", "Audition", "Orion", "SAWStudio", "Reaper"}) {
+    Rig rig(options);
+    rig.host.product = product;
+    rig.plug->SetOutputChannelConnections(0, 4, false);
+    rig.Dispatch(effOpen);
+    const bool special = std::strcmp(product, "Reaper") != 0;
+    EXPECT_TRUE(rig.plug->IsInChannelConnected(1)) << product;
+    EXPECT_EQ(rig.plug->IsInChannelConnected(2), !special) << product;
+    EXPECT_EQ(rig.plug->IsOutChannelConnected(3), special) << product;
+    EXPECT_FALSE(rig.plug->IsOutChannelConnected(1)) << product;
+    EXPECT_EQ(rig.effect->numInputs, 4);
+  }
+}
+
+TEST(HostServices, ChangesFromTheEditorTellTheHostInTheOrderItCanBear) {
+  for (const bool fruity : {false, true}) {
+    Rig rig;
+    rig.host.product = fruity ? "Fruity Wrapper" : "Reaper";
+    rig.plug->GetHost();
+    rig.host.calls.clear();
+    rig.host.onCall = [&](const HostCall&) {
+      rig.plug->Note("Automate");
+      EXPECT_EQ(rig.plug->GetParam(kCount)->Value(), 2.0) << "the value is stored before";
+    };
+    rig.plug->SetParameterFromGUI(kCount, 0.8);
+    ASSERT_EQ(rig.host.calls.size(), 1U);
+    const HostCall& call = rig.host.calls[0];
+    EXPECT_EQ(call.opcode, audioMasterAutomate);
+    EXPECT_EQ(call.index, kCount);
+    EXPECT_EQ(call.opt, 0.8F) << "as the control gave it, not as it was rounded";
+    EXPECT_EQ(call.locked, !fruity);
+    EXPECT_EQ(rig.plug->TakeLog(), fruity ? "Param 1 Automate" : "Automate Param 1");
+    rig.plug->SetParameterFromGUI(99, 0.5);
+    EXPECT_EQ(rig.host.calls.size(), 1U);
+  }
+}
+
+TEST(HostServices, NoticesCarryTheirParameter) {
+  Rig rig;
+  rig.plug->BeginInformHostOfParamChange(3);
+  rig.plug->EndInformHostOfParamChange(4);
+  EXPECT_EQ(rig.host.calls[0].opcode, audioMasterBeginEdit);
+  EXPECT_EQ(rig.host.calls[0].index, 3);
+  EXPECT_EQ(rig.host.calls[1].opcode, audioMasterEndEdit);
+  EXPECT_EQ(rig.host.calls[1].index, 4);
+  rig.host.calls.clear();
+  rig.plug->DirtyParameters();
+  ASSERT_EQ(rig.host.calls.size(), static_cast<std::size_t>(kNumTestParams));
+  EXPECT_EQ(rig.host.calls[kTapered].opt, 0.5F);
+  EXPECT_TRUE(rig.host.calls[0].locked);
+}
+
+TEST(HostServices, PositionTempoAndMeterAreCheckedForSense) {
+  Rig rig;
+  VstTimeInfo& time = rig.host.time;
+  time.samplePos = 41.6;
+  EXPECT_EQ(rig.plug->GetSamplePos(), 42);
+  time.samplePos = -1;
+  EXPECT_EQ(rig.plug->GetSamplePos(), 0);
+  time.samplePos = 1e18;
+  EXPECT_EQ(rig.plug->GetSamplePos(), INT_MAX);
+  time.tempo = 120;
+  EXPECT_EQ(rig.plug->GetTempo(), 0.0) << "not valid without its flag";
+  EXPECT_EQ(rig.plug->GetSamplesPerBeat(), 0.0);
+  time.flags = kVstTempoValid | kVstTimeSigValid;
+  EXPECT_EQ(rig.plug->GetTempo(), 120.0);
+  EXPECT_EQ(rig.plug->GetSamplesPerBeat(), 22050.0);
+  EXPECT_EQ(rig.host.calls.back().value, 1024);
+  time.tempo = -1;
+  EXPECT_EQ(rig.plug->GetTempo(), 0.0);
+  int num = 9;
+  int den = 9;
+  time.timeSigNumerator = 3;
+  time.timeSigDenominator = -4;
+  rig.plug->GetTimeSig(&num, &den);
+  EXPECT_EQ(num, 0);
+  time.timeSigDenominator = 4;
+  rig.plug->GetTimeSig(&num, &den);
+  EXPECT_EQ(num * 10 + den, 34);
+  rig.host.answersTime = false;
+  EXPECT_EQ(rig.plug->GetSamplePos(), 0);
+  EXPECT_EQ(rig.plug->GetTempo(), 0.0);
+  rig.plug->GetTimeSig(&num, &den);
+  EXPECT_EQ(num + den, 0);
+  rig.host.processLevel = 4;
+  EXPECT_TRUE(rig.plug->IsRenderingOffline());
+  rig.host.processLevel = 2;
+  EXPECT_FALSE(rig.plug->IsRenderingOffline());
+}
+
+TEST(HostServices, TimeTakesOnlyWhatTheHostTellsAsValid) {
+  static constexpr int kAll = 15872;
+  VstTimeInfo good{};
+  good.samplePos = 1000;
+  good.ppqPos = 8;
+  good.tempo = 90;
+  good.barStartPos = 4;
+  good.cycleStartPos = 1;
+  good.cycleEndPos = 2;
+  good.timeSigNumerator = 7;
+  good.timeSigDenominator = 8;
+  const auto read = [](const VstTimeInfo& time, bool answers = true) {
+    Rig rig;
+    rig.host.time = time;
+    rig.host.answersTime = answers;
+    ITimeInfo info;
+    rig.plug->GetTime(&info);
+    EXPECT_EQ(rig.host.calls.back().value, kAll);
+    return info;
+  };
+  good.flags = kAll | kVstTransportPlaying | kVstTransportCycleActive;
+  const ITimeInfo all = read(good);
+  EXPECT_EQ(all.mSamplePos, 1000);
+  EXPECT_EQ(all.mPPQPos, 8);
+  EXPECT_EQ(all.mTempo, 90);
+  EXPECT_EQ(all.mLastBar, 4);
+  EXPECT_EQ(all.mCycleStart, 1);
+  EXPECT_EQ(all.mCycleEnd, 2);
+  EXPECT_EQ(all.mNumerator, 7);
+  EXPECT_EQ(all.mDenominator, 8);
+  EXPECT_TRUE(all.mTransportIsRunning && all.mTransportLoopEnabled);
+
+  EXPECT_EQ(read(good, false).mSamplePos, ITimeInfo().mSamplePos);
+  good.flags = kVstTransportPlaying;
+  EXPECT_FALSE(read(good).mTransportIsRunning) << "without any of the five nothing changes";
+  good.flags = kVstTempoValid;
+  EXPECT_EQ(read(good).mTempo, 90);
+  EXPECT_EQ(read(good).mPPQPos, ITimeInfo().mPPQPos);
+
+  VstTimeInfo bad = good;
+  bad.flags = kAll;
+  bad.ppqPos = bad.barStartPos = -1;
+  bad.tempo = 0;
+  bad.cycleEndPos = -1;
+  bad.timeSigDenominator = 0;
+  const ITimeInfo none = read(bad);
+  const ITimeInfo fresh;
+  EXPECT_EQ(none.mSamplePos, 1000);
+  EXPECT_EQ(none.mPPQPos, fresh.mPPQPos);
+  EXPECT_EQ(none.mTempo, fresh.mTempo);
+  EXPECT_EQ(none.mLastBar, fresh.mLastBar);
+  EXPECT_EQ(none.mCycleStart, fresh.mCycleStart);
+  EXPECT_EQ(none.mNumerator, fresh.mNumerator);
+}
+
+TEST(HostServices, EventsGoOutInTheHostsRecords) {
+  Rig rig;
+  IMidiMsg msg{5, 0x90, 60, 100};
+  EXPECT_TRUE(rig.plug->SendMidiMsg(&msg));
+  VstMidiEvent midi;
+  ASSERT_EQ(rig.host.eventBytes.size(), sizeof midi);
+  std::memcpy(&midi, rig.host.eventBytes.data(), sizeof midi);
+  EXPECT_EQ(midi.type, kVstMidiType);
+  EXPECT_EQ(midi.deltaFrames, 5);
+  EXPECT_EQ(std::memcmp(midi.midiData, "\x90\x3C\x64\0", 4), 0);
+  const std::uint8_t data[] = {0xF0, 1, 0xF7};
+  ISysEx sysex{9, 3, data};
+  rig.host.eventsAnswer = 0;
+  EXPECT_FALSE(rig.plug->SendSysEx(&sysex));
+  VstMidiSysexEvent out;
+  ASSERT_EQ(rig.host.eventBytes.size(), sizeof out);
+  std::memcpy(&out, rig.host.eventBytes.data(), sizeof out);
+  EXPECT_EQ(out.type, kVstSysExType);
+  EXPECT_EQ(out.dumpBytes, 3);
+  EXPECT_EQ(std::memcmp(out.sysexDump, data, 3), 0);
+}
+
+}  // namespace

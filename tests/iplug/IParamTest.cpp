@@ -1,0 +1,195 @@
+// Ranges, tapers and texts of parameters.
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "iplug/IParam.h"
+#include "iplug/Numbers.h"
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+std::string Display(const IParam& param, double value, bool normalized = false,
+                    bool withText = true) {
+  char text[IParam::kTextSize + 1];
+  std::memset(text, '#', sizeof text);
+  param.GetDisplayForHost(value, normalized, text, withText);
+  EXPECT_EQ(text[IParam::kTextSize], '#') << "written past the end";
+  return text;
+}
+
+IParam Double(double lo, double hi, double step, double shape = 1.0) {
+  IParam param;
+  param.InitDouble("x", lo, lo, hi, step, "unit");
+  param.SetShape(shape);
+  return param;
+}
+
+TEST(IParam, RangesAreNeverEmpty) {
+  double lo = 0;
+  double hi = 0;
+  IParam integer;
+  integer.InitInt("x", 0, 5, 5, "", "");
+  integer.GetBounds(&lo, &hi);
+  EXPECT_EQ(lo, 5);
+  EXPECT_EQ(hi, 6);
+  IParam list;
+  list.InitEnum("x", 0, 1, "", "");
+  list.GetBounds(&lo, &hi);
+  EXPECT_EQ(hi, 1);
+  Double(2, 2, 0.25).GetBounds(&lo, &hi);
+  EXPECT_EQ(hi, 2.25);
+}
+
+TEST(IParam, PrecisionShowsEveryStepUpToSixDecimals) {
+  const struct {
+    double step;
+    int precision;
+  } kCases[] = {{1, 0},        {10, 0},      {0.1, 1},         {0.25, 2},
+                {0.01, 2},     {0.001, 3},   {0.0001, 4},      {0.00001, 5},
+                {0.000001, 6}, {1.0 / 3, 6}, {0.0000000001, 6}};
+  for (const auto& c : kCases)
+    EXPECT_EQ(Double(0, 10, c.step).GetPrecision(), c.precision) << c.step;
+}
+
+TEST(IParam, OnlyDoublesKeepValuesBetweenSteps) {
+  IParam integer;
+  integer.InitInt("x", 0, 0, 3, "", "");
+  integer.SetNormalized(0.5);
+  EXPECT_EQ(integer.Value(), 2.0);
+  IParam number = Double(0, 10, 1);
+  number.SetNormalized(0.55);
+  EXPECT_DOUBLE_EQ(number.Value(), 5.5);
+}
+
+TEST(IParam, TaperMapsBothWays) {
+  IParam param = Double(0, 1, 0.01, 2.0);
+  param.SetNormalized(0.5);
+  EXPECT_EQ(param.Value(), 0.25);
+  EXPECT_EQ(param.GetNormalized(), 0.5);
+  param.SetNormalized(1.0);
+  EXPECT_EQ(param.GetNormalized(), 1.0);
+  param.SetShape(0.0);
+  EXPECT_EQ(param.GetNormalized(0.25), 0.5) << "a shape of zero is ignored";
+}
+
+TEST(IParam, ValuesFromOutsideSaturateAndTheNextGoodOneRestores) {
+  IParam param = Double(-6, -0.1, 0.01);
+  for (const double bad : {kNaN, kInf, -kInf, 1e300, -1e300}) {
+    param.Set(bad);
+    EXPECT_GE(param.Value(), -6.0) << bad;
+    EXPECT_LE(param.Value(), -0.1) << bad;
+    param.SetNormalized(bad);
+    EXPECT_LE(param.Value(), -0.1) << bad;
+    EXPECT_FALSE(std::isnan(param.Value())) << bad;
+    EXPECT_GE(param.GetNormalized(), 0.0) << bad;
+    EXPECT_LE(param.GetNormalized(), 1.0) << bad;
+    param.Int();
+    Display(param, bad, false);
+    Display(param, bad, true);
+    param.SetNormalized(0.5);
+    EXPECT_DOUBLE_EQ(param.Value(), -3.05);
+  }
+  param.SetNormalized(-0.5);
+  EXPECT_LT(param.Value(), -6.0) << "only the upper bound clamps a normalised value";
+}
+
+TEST(IParam, TheFirstInitDecidesTheKind) {
+  IParam param;
+  param.InitInt("first", 1, 0, 5, "", "");
+  param.InitDouble("second", 0.5, 0, 2, 0.01, "", "");
+  EXPECT_EQ(param.Type(), kTypeInt);
+  EXPECT_STREQ(param.GetNameForHost(), "second");
+  EXPECT_EQ(param.GetDefault(), 0.5);
+  param.SetNormalized(0.5);
+  EXPECT_DOUBLE_EQ(param.Value(), 1.0);
+  EXPECT_EQ(Display(param, 1.25), "1.25");
+}
+
+TEST(IParam, NamedStatesShowTheirTextAndNoUnit) {
+  IParam param;
+  param.InitBool("x", true, "unit", "");
+  EXPECT_EQ(Display(param, 1.0), "on");
+  EXPECT_STREQ(param.GetLabelForHost(), "");
+  EXPECT_EQ(Display(param, 0.99), "off") << "texts go by the truncated value";
+  EXPECT_EQ(Display(param, 1.0, false, false), "1");
+  param.SetDisplayText(1, "later");
+  EXPECT_EQ(Display(param, 1.0), "on") << "the first text of a value wins";
+  param.SetDisplayText(3, "");
+  EXPECT_EQ(Display(param, 3.0), "3");
+  int value = 0;
+  EXPECT_TRUE(param.MapDisplayText("later", &value));
+  EXPECT_EQ(value, 1);
+  EXPECT_FALSE(param.MapDisplayText("On", &value));
+  EXPECT_STREQ(param.GetDisplayTextAtIdx(2, &value), "later");
+  EXPECT_STREQ(param.GetDisplayTextAtIdx(4, &value), "");
+  EXPECT_STREQ(param.GetDisplayTextAtIdx(-1), "");
+  EXPECT_STREQ(Double(0, 1, 0.1).GetLabelForHost(), "unit");
+}
+
+TEST(IParam, NumbersAreTruncatedWithoutDecimalsAndRoundedWithThem) {
+  EXPECT_EQ(Display(Double(-1, 1, 1), -0.9, false, false), "0");
+  EXPECT_EQ(Display(Double(0, 1, 1), 0.9), "0");
+  EXPECT_EQ(Display(Double(0, 1, 0.01), 0.995001), "1.00");
+  EXPECT_EQ(Display(Double(0, 10, 0.1, 2.0), 0.5, true), "2.5");
+  IParam negated = Double(-6, 0, 0.01);
+  negated.NegateDisplay(true);
+  EXPECT_EQ(Display(negated, -1.5), "1.50");
+}
+
+TEST(IParam, LongTextIsCutWithItsEndMark) {
+  const std::string longName(40, 'n');
+  IParam param;
+  param.InitDouble(longName.c_str(), 0, 0, 1e30, 0.01, longName.c_str(), longName.c_str());
+  param.SetDisplayText(7, longName.c_str());
+  const std::string cut(31, 'n');
+  EXPECT_EQ(param.GetNameForHost(), cut);
+  EXPECT_EQ(param.GetLabelForHost(), cut);
+  EXPECT_EQ(param.GetParamGroupForHost(), cut);
+  EXPECT_EQ(Display(param, 7.0), cut);
+  EXPECT_EQ(Display(param, 1e300).size(), 31U);
+}
+
+TEST(Numbers, TextIsTheSameInEveryLocale) {
+  const char* names[] = {"C", "de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"};
+  for (const char* name : names) {
+    if (!std::setlocale(LC_ALL, name)) continue;
+    char text[32];
+    FixedText(text, sizeof text, -1234.5675, 3);
+    EXPECT_STREQ(text, "-1234.568") << name;
+    EXPECT_EQ(NumberFromText("1.5"), 1.5) << name;
+    EXPECT_EQ(NumberFromText("1,5"), 1.0) << name;
+  }
+  std::setlocale(LC_ALL, "C");
+}
+
+TEST(Numbers, ReadingIsAsLenientAsTheLibrarysOwn) {
+  const char* kTexts[] = {"1.5",  " \t\n-2.25dB", "+3",     "",       "abc", "-",     "+-1",  "--1",
+                          ".5",   "5.",           "1e3x",   "1e",     "1e+", "inf",   "-inf", "  ",
+                          "-0.0", "1e400",        "-1e400", "1e-400", "0x",  "12 34", "1.2.3"};
+  for (const char* text : kTexts) {
+    EXPECT_EQ(NumberFromText(text), std::atof(text)) << text;
+    EXPECT_EQ(std::signbit(NumberFromText(text)), std::signbit(std::atof(text))) << text;
+  }
+  EXPECT_EQ(NumberFromText(nullptr), 0.0);
+  EXPECT_TRUE(std::isnan(NumberFromText("nan")));
+  EXPECT_EQ(NumberFromText((std::string(400, '9') + ".0").c_str()), kInf);
+  EXPECT_EQ(NumberFromText(("0." + std::string(400, '0') + "1").c_str()), 0.0);
+}
+
+TEST(Numbers, ConversionsToIntegersSaturate) {
+  EXPECT_EQ(SaturateToInt(kNaN), 0);
+  EXPECT_EQ(SaturateToInt(kInf), INT_MAX);
+  EXPECT_EQ(SaturateToInt(-1e12), INT_MIN);
+  EXPECT_EQ(SaturateToInt(-2.9), -2);
+  EXPECT_EQ(SaturateToInt(std::int64_t{1} << 40), INT_MAX);
+  EXPECT_EQ(SaturateToInt(-(std::int64_t{1} << 40)), INT_MIN);
+}
+
+}  // namespace

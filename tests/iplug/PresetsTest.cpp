@@ -1,0 +1,174 @@
+// Preset slots, and the dumps that write them as source text.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "TestPlug.h"
+#include "iplug/Base64.h"
+
+namespace {
+
+std::vector<double> Stored(Rig& rig, int idx) {
+  const ByteChunk& chunk = rig.plug->Preset(idx)->mChunk;
+  std::vector<double> values(static_cast<std::size_t>(chunk.Size()) / sizeof(double));
+  chunk.GetBytes(values.data(), chunk.Size(), 0);
+  return values;
+}
+
+std::string ReadText(const std::string& path) {
+  std::ifstream file(path);
+  std::stringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+TEST(Presets, MakingFillsTheFirstFreeSlotWithRawValues) {
+  Rig rig;
+  rig.plug->MakePreset("raw", 99.5, -7, 1, 2, 50.0, -3.0);
+  EXPECT_STREQ(rig.plug->GetPresetName(0), "raw");
+  EXPECT_EQ(Stored(rig, 0), (std::vector<double>{99.5, -7, 1, 2, 50, -3}));
+  rig.plug->MakePresetFromNamedParams("named", 2, int{kTapered}, 12.5, int{kCount}, -1);
+  EXPECT_EQ(Stored(rig, 1), (std::vector<double>{2.5, -1, 1, 1, 12.5, -3}));
+  rig.plug->MakeDefaultPreset(nullptr, 1);
+  EXPECT_STREQ(rig.plug->GetPresetName(2), "Empty");
+  const double values[] = {1, 2, 0, 1, 4, -1};
+  rig.plug->MakePresetFromValues("array", values);
+  EXPECT_EQ(Stored(rig, 3), std::vector<double>(values, values + 6));
+  rig.plug->MakePreset("one too many", 1.0, 1, 1, 1, 1.0, -1.0);
+  rig.plug->MakeDefaultPreset("and more", 3);
+  EXPECT_STREQ(rig.plug->GetPresetName(3), "array");
+}
+
+TEST(Presets, SlotsNeverFilledCaptureTheSoundUnderAFreshName) {
+  Rig rig;
+  EXPECT_STREQ(rig.plug->GetPresetName(2), "empty");
+  EXPECT_TRUE(rig.plug->RestorePreset(2));
+  EXPECT_STREQ(rig.plug->GetPresetName(2), "user preset 1");
+  rig.plug->GetParam(kLevel)->Set(8);
+  EXPECT_TRUE(rig.plug->RestorePreset(1));
+  EXPECT_STREQ(rig.plug->GetPresetName(1), "user preset 2");
+  EXPECT_EQ(Stored(rig, 1)[kLevel], 8.0);
+  rig.plug->ModifyCurrentPreset("my user preset");
+  EXPECT_TRUE(rig.plug->RestorePreset(0));
+  EXPECT_STREQ(rig.plug->GetPresetName(0), "user preset 3") << "names that contain it count";
+  EXPECT_TRUE(rig.plug->RestorePreset(2));
+  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.5);
+}
+
+TEST(Presets, RestoringWhatIsNotThereChangesNothing) {
+  Rig rig;
+  rig.plug->MakeEmptyPresets();
+  rig.plug->TakeLog();
+  for (const int idx : {-1, 4, INT_MAX, INT_MIN}) EXPECT_FALSE(rig.plug->RestorePreset(idx)) << idx;
+  for (const char* name : {"", "nobody", static_cast<const char*>(nullptr)}) {
+    EXPECT_FALSE(rig.plug->RestorePreset(name));
+  }
+  EXPECT_EQ(rig.plug->GetCurrentPresetIdx(), 0);
+  EXPECT_EQ(rig.plug->TakeLog(), "");
+  EXPECT_STREQ(rig.plug->GetPresetName(4), "");
+}
+
+TEST(Presets, RestoringByNameTakesTheFirstMatch) {
+  Rig rig;
+  rig.plug->MakePreset("a", 1.0, 1, 0, 0, 0.0, -1.0);
+  rig.plug->MakePreset("b", 2.0, 1, 0, 0, 0.0, -1.0);
+  rig.plug->MakePreset("b", 3.0, 1, 0, 0, 0.0, -1.0);
+  EXPECT_TRUE(rig.plug->RestorePreset("b"));
+  EXPECT_EQ(rig.plug->GetCurrentPresetIdx(), 1);
+  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.0);
+  EXPECT_EQ(rig.plug->TakeLog(), "Param 0 Param 1 Param 2 Param 3 Param 4 Param 5 Presets");
+}
+
+TEST(Presets, UnfilledSlotsCanBePruned) {
+  Rig rig;
+  rig.plug->MakeDefaultPreset("kept");
+  rig.plug->PruneUninitializedPresets();
+  EXPECT_EQ(rig.plug->NPresets(), 1);
+  EXPECT_STREQ(rig.plug->GetPresetName(0), "kept");
+}
+
+TEST(Presets, ChangingProgramsKeepsTheEditsOfTheOneLeft) {
+  Rig rig;
+  rig.plug->MakeEmptyPresets();
+  rig.plug->GetParam(kLevel)->Set(9);
+  rig.Dispatch(effSetProgram, 0, 1);
+  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.5);
+  rig.Dispatch(effSetProgram, 0, 0);
+  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 9.0);
+  rig.plug->GetParam(kLevel)->Set(4);
+  rig.Dispatch(effSetProgram, 0, 0);
+  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 4.0)
+      << "restoring the present one keeps its edits";
+  rig.Dispatch(effSetProgram, 0, 77);
+  EXPECT_EQ(rig.Dispatch(effGetProgram), 0);
+
+  PlugOptions chunks;
+  chunks.chunks = true;
+  Rig opaque(chunks);
+  opaque.plug->MakeEmptyPresets();
+  opaque.plug->GetParam(kLevel)->Set(9);
+  opaque.Dispatch(effSetProgram, 0, 1);
+  opaque.Dispatch(effSetProgram, 0, 0);
+  EXPECT_EQ(opaque.plug->GetParam(kLevel)->Value(), 2.5) << "hosts save those by themselves";
+}
+
+TEST(Base64, FollowsTheAlphabetAndItsPadding) {
+  const char* kPairs[][2] = {{"", ""},
+                             {"f", "Zg=="},
+                             {"fo", "Zm8="},
+                             {"foo", "Zm9v"},
+                             {"foob", "Zm9vYg=="},
+                             {"fooba", "Zm9vYmE="},
+                             {"foobar", "Zm9vYmFy"},
+                             {"\xFB\xFF", "+/8="}};
+  for (const auto& pair : kPairs) {
+    const std::size_t size = std::strlen(pair[0]);
+    EXPECT_EQ(Base64Encode(pair[0], size), pair[1]);
+    std::vector<std::uint8_t> back(size + 4, 0x55);
+    EXPECT_EQ(Base64Decode(pair[1], back.data(), back.size()), size);
+    EXPECT_EQ(std::memcmp(back.data(), pair[0], size), 0) << pair[0];
+  }
+}
+
+TEST(Base64, StopsAtTheFirstStrangerAndAtTheEndOfTheBuffer) {
+  std::uint8_t out[3] = {9, 9, 9};
+  EXPECT_EQ(Base64Decode("Zm9vYmFy", out, 2), 2U);
+  EXPECT_EQ(out[2], 9);
+  EXPECT_EQ(Base64Decode("Zm\n9v", out, 3), 1U);
+  EXPECT_EQ(Base64Decode("=Zm9v", out, 3), 0U);
+  EXPECT_EQ(Base64Decode("Zm9v", out, 0), 0U);
+}
+
+TEST(Dumps, ABlobGivesBackTheSameBytes) {
+  Rig rig;
+  rig.plug->MakePreset("p", 1.0 / 3, 2, 1, 0, 77.7, -1.25);
+  const std::string path = TempPath("blob.txt");
+  ASSERT_TRUE(rig.plug->DumpPresetBlob(path.c_str()));
+  const std::string text = ReadText(path);
+  const std::string head = "MakePresetFromBlob(\"name\", \"";
+  ASSERT_EQ(text.substr(0, head.size()), head);
+  const std::size_t end = text.find('"', head.size());
+  EXPECT_EQ(text.substr(end), "\", 48);\n");
+  rig.plug->MakePresetFromBlob("q", text.substr(head.size(), end - head.size()).c_str(), 48);
+  EXPECT_STREQ(rig.plug->GetPresetName(1), "q");
+  EXPECT_EQ(Stored(rig, 1), Stored(rig, 0));
+  rig.plug->MakePresetFromBlob("r", "//8=", 8);
+  EXPECT_EQ(rig.plug->Preset(2)->mChunk.Size(), 8) << "what the text does not fill is zero";
+}
+
+TEST(Dumps, SourceCodeShowsEveryKindOfParameter) {
+  Rig rig;
+  rig.SetValues({1.0 / 3, -2, 0, 2, 50, -1.5});
+  const char* names[] = {"kLevel", "kCount", "kSwitch", "kMode", "kTapered", "kNegated"};
+  const std::string path = TempPath("code.txt");
+  ASSERT_TRUE(rig.plug->DumpPresetSrcCode(path.c_str(), names));
+  EXPECT_EQ(ReadText(path),
+            "  MakePresetFromNamedParams(\"name\", 6,\n    kLevel, 0.333333,\n    kCount, -2,\n"
+            "    kSwitch, false,\n    kMode, 2,\n    kTapered, 50.000000,\n"
+            "    kNegated, -1.500000);\n");
+  EXPECT_FALSE(rig.plug->DumpPresetBlob("/nowhere/at/all"));
+}
+
+}  // namespace

@@ -1,0 +1,113 @@
+// Host, audio and editor threads meeting in one plug-in; meant for the thread sanitizer.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "TestPlug.h"
+
+namespace {
+
+TEST(Threads, ParametersStateAndSoundDoNotInterleave) {
+  Rig rig;
+  rig.plug->MakeEmptyPresets();
+  rig.plug->noting = false;
+  rig.host.onCall = nullptr;
+  rig.effect->resvd1 = 0;  // the host's list of calls has no lock
+  std::atomic<int> inside{0};
+  rig.plug->process = [&](double** in, double** out, int n) {
+    EXPECT_EQ(inside.fetch_add(1), 0);
+    const double gain = rig.plug->GetParam(kLevel)->Value();
+    for (int c = 0; c < 2; ++c) {
+      for (int i = 0; i < n; ++i) out[c][i] = gain * in[c][i];
+    }
+    EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), gain) << "changed during a block";
+    inside.fetch_sub(1);
+  };
+  std::atomic<bool> stop{false};
+  const auto until = [&](auto step) {
+    return std::thread([&stop, step] {
+      for (int i = 0; !stop; ++i) step(i);
+    });
+  };
+  std::thread threads[] = {
+      until([&](int i) {
+        rig.effect->setParameter(rig.effect, i % kNumTestParams, static_cast<float>(i % 11) * 0.1F);
+      }),
+      until([&](int i) { rig.plug->SetParameterFromGUI(i % kNumTestParams, (i % 7) / 7.0); }),
+      until([&](int i) {
+        rig.Dispatch(effSetProgram, 0, i % 4);
+        rig.SetChunk(rig.GetChunk(i % 2 == 0), i % 2 == 0);
+        rig.Dispatch(effSetBlockSize, 0, 16 + i % 3);
+      })};
+  float in[2][64] = {};
+  float out[2][64] = {};
+  float* inputs[2] = {in[0], in[1]};
+  float* outputs[2] = {out[0], out[1]};
+  for (int block = 0; block < 3000; ++block) {
+    rig.effect->processReplacing(rig.effect, inputs, outputs, 64);
+    rig.effect->getParameter(rig.effect, block % kNumTestParams);
+  }
+  stop = true;
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(Threads, InstancesAreConstructedOneAtATime) {
+  static std::atomic<int> inside{0};
+  const auto construct = [] {
+    for (int i = 0; i < 20; ++i) {
+      AEffect* effect = ConstructUnderLock(
+          [](audioMasterCallback callback) -> IPlugVST* {
+            EXPECT_EQ(inside.fetch_add(1), 0);
+            auto* plug = new TestPlug(callback);
+            inside.fetch_sub(1);
+            return plug;
+          },
+          nullptr);
+      effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0.0F);
+      effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0F);
+    }
+  };
+  std::thread a(construct);
+  std::thread b(construct);
+  a.join();
+  b.join();
+}
+
+// Waits in its close for a thread that needs the plug-in's lock, as a window layer does.
+class WaitingEditor : public FakeEditor {
+ public:
+  explicit WaitingEditor(TestPlug* plug) : FakeEditor(plug) {}
+  void* OpenWindow(void* parent) override {
+    mThread = std::thread([this] {
+      while (!mStop) GetPlug()->SetParameterFromGUI(kLevel, 0.5);
+    });
+    return parent;
+  }
+  void CloseWindow() override {
+    if (!mThread.joinable()) return;
+    const PlugLock::Pause pause(GetPlug()->GetLock());
+    mStop = true;
+    mThread.join();
+  }
+
+ private:
+  std::thread mThread;
+  std::atomic<bool> mStop{false};
+};
+
+TEST(Threads, ClosingTheEditorWaitsForItsThreadWithoutTheLock) {
+  for (const bool closeEditor : {true, false}) {
+    Rig rig;
+    rig.plug->noting = false;
+    rig.effect->resvd1 = 0;
+    rig.plug->AttachGraphics(new WaitingEditor(rig.plug.get()));
+    rig.Dispatch(effEditOpen, 0, 0, &rig);
+    if (closeEditor) rig.Dispatch(effEditClose);
+    TestPlug* plug = rig.plug.release();
+    AEffect* effect = plug->GetAEffect();
+    effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0F);
+  }
+}
+
+}  // namespace
