@@ -4,8 +4,15 @@
 set(TOLMARA_DFT_VARIANTS numeric/dft/scalar)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
   set(TOLMARA_DFT_VARIANTS numeric/dft/x86)
+  # Left to itself the compiler copies pairs of pointers as vectors, which stalls short transforms:
+  # a vector load waits for the two narrow stores before it.
+  set(kernels -fno-tree-slp-vectorize)
+  set(avx2 -mavx2 -mfma)
+  set(avx512 ${avx2} -mavx512f -mavx512dq -mavx512bw -mavx512vl -mavx512cd)
+  set_source_files_properties(numeric/dft/x86/EngineSse2.cpp PROPERTIES
+    COMPILE_OPTIONS "${kernels}")
   set_source_files_properties(numeric/dft/x86/EngineAvx2.cpp PROPERTIES
-    COMPILE_OPTIONS "-mavx2;-mfma")
+    COMPILE_OPTIONS "${kernels};${avx2}")
   set_source_files_properties(numeric/dft/x86/EngineAvx512.cpp PROPERTIES
-    COMPILE_OPTIONS "-mavx2;-mfma;-mavx512f;-mavx512dq;-mavx512bw;-mavx512vl;-mavx512cd")
+    COMPILE_OPTIONS "${kernels};${avx512}")
 endif()

@@ -32,9 +32,11 @@ Factors trial_divide(int n) {
   return f;
 }
 
-// Eights, closed by fours so that no lone 2 is left, unless the exponent is 1.
-std::vector<int> split_power_of_two(int exponent) {
+// Eights, closed by fours rather than by a lone 2. But sixteen odd transforms start best with an
+// eight: vectors are full from the second pass on.
+std::vector<int> split_power_of_two(int exponent, bool odd_factors) {
   if (exponent == 1) return {2};
+  if (exponent == 4 && odd_factors) return {8, 2};
   const int fours = exponent % 3 == 0 ? 0 : (exponent % 3 == 1 ? 2 : 1);
   std::vector<int> list(static_cast<std::size_t>((exponent - 2 * fours) / 3), 8);
   list.insert(list.end(), static_cast<std::size_t>(fours), 4);
@@ -48,7 +50,7 @@ std::vector<int> arrange(int exponent, std::vector<int> odd) {
   const auto kernels = std::find_if(odd.begin(), odd.end(), [](int prime) { return prime <= 7; });
   std::vector<int> list(kernels, odd.end());
   if (exponent > 0) {
-    const std::vector<int> twos = split_power_of_two(exponent);
+    const std::vector<int> twos = split_power_of_two(exponent, !odd.empty());
     list.insert(exponent >= 3 ? list.begin() : list.end(), twos.begin(), twos.end());
   }
   list.insert(list.end(), odd.begin(), kernels);

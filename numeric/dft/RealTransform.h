@@ -1,8 +1,10 @@
 // The real transforms on top of the complex ones.
 //
-// Even lengths n transform z[t] = x[2 t] + i x[2 t + 1], of length h = n / 2, and separate the
-// spectra of the even and the odd samples in one pass over the bins k and h - k:
-//   X[k] = (Z[k] + conj Z[h - k]) / 2 + w (Z[k] - conj Z[h - k]) / 2,  w = -i exp(-2 pi i k / n)
+// Even lengths n transform z[t] = x[2 t] + i x[2 t + 1], of length h = n / 2,
+// and separate the spectra of the even and the odd samples in one pass over the
+// bins k and h - k:
+//   X[k] = (Z[k] + conj Z[h - k]) / 2 + w (Z[k] - conj Z[h - k]) / 2,  w = -i
+//   exp(-2 pi i k / n)
 // Odd lengths transform x with imaginary parts of 0.
 #pragma once
 
@@ -10,14 +12,15 @@
 
 namespace {
 
-// Calls body with the vector type, the offset k of a vector of bins and the offset of the vector
-// that holds the bins n - k, in reverse, for all 1 <= k < n / 2.
+// Calls body with the vector type, the offset k of a vector of bins and the
+// offset of the vector that holds the bins n - k, in reverse, for all first <=
+// k < n / 2.
 template <class Isa, class F>
-void for_mirrored_bins(int n, F body) {
-  const int pairs = (n - 1) / 2;
+void for_mirrored_bins(int n, int first, F body) {
+  const int pairs = (n + 1) / 2 - first;
   Isa::fit(pairs, [&](auto v) {
     using V = typename decltype(v)::type;
-    for_vectors<V>(pairs, [&](int i) { body(v, i + 1, n - i - V::lanes); });
+    for_vectors<V>(pairs, [&](int i) { body(v, first + i, n - first - i - V::lanes + 1); });
   });
 }
 
@@ -32,8 +35,8 @@ Cx<V> load_weights(const dft::Spec& spec, int k) {
   return {V::load(w), V::load(w + dft::in_lines(static_cast<std::size_t>(spec.length / 4 + 1)))};
 }
 
-// s + w d and conj(s - w d) where a and b are bins k and h - k, s and d the sum and difference of
-// a and conj b, both scaled.
+// s + w d and conj(s - w d) where a and b are bins k and h - k, s and d the sum
+// and difference of a and conj b, both scaled.
 template <class V>
 inline void separate(Cx<V>& a, Cx<V>& b, Cx<V> w, V scale) {
   const Cx<V> s{(a.re + b.re) * scale, (a.im - b.im) * scale};
@@ -42,11 +45,14 @@ inline void separate(Cx<V>& a, Cx<V>& b, Cx<V> w, V scale) {
   b = {s.re - d.re, d.im - s.im};
 }
 
+// The bins 0 and h are one pair: z, whose arrays have room for it, is made
+// periodic.
 template <class Isa>
 void recombine_forward(const dft::Spec& spec, Planar z, float* dst) {
   const int h = spec.complex_length;
   const float scale = spec.forward_scale;
-  for_mirrored_bins<Isa>(h, [&](auto v, int k, int mirror) {
+  z.store(h, z.load<Vector1>(0));
+  for_mirrored_bins<Isa>(h, 0, [&](auto v, int k, int mirror) {
     using V = typename decltype(v)::type;
     Cx<V> a = z.load<V>(k), b = reversed(z.load<V>(mirror));
     separate(a, b, load_weights<V>(spec, k), V::set1(0.5F * scale));
@@ -57,10 +63,7 @@ void recombine_forward(const dft::Spec& spec, Planar z, float* dst) {
     dst[h] = z.re[h / 2] * scale;
     dst[h + 1] = -z.im[h / 2] * scale;
   }
-  const float re = z.re[0] * scale, im = z.im[0] * scale;
-  dst[0] = re + im;
   dst[1] = 0.0F;
-  dst[2 * h] = re - im;
   dst[2 * h + 1] = 0.0F;
 }
 
@@ -68,7 +71,7 @@ template <class Isa>
 void recombine_inverse(const dft::Spec& spec, const float* src, Planar z) {
   const int h = spec.complex_length;
   const float scale = spec.inverse_scale;
-  for_mirrored_bins<Isa>(h, [&](auto v, int k, int mirror) {
+  for_mirrored_bins<Isa>(h, 0, [&](auto v, int k, int mirror) {
     using V = typename decltype(v)::type;
     Cx<V> a = V::load_pairs(src + 2 * k), b = reversed(V::load_pairs(src + 2 * mirror));
     const Cx<V> w = load_weights<V>(spec, k);
@@ -90,7 +93,7 @@ template <class Isa>
 void unfold(const dft::Spec& spec, const float* src, Planar z) {
   const int n = spec.length;
   const float scale = spec.inverse_scale;
-  for_mirrored_bins<Isa>(n, [&](auto v, int k, int mirror) {
+  for_mirrored_bins<Isa>(n, 1, [&](auto v, int k, int mirror) {
     using V = typename decltype(v)::type;
     const Cx<V> x = V::load_pairs(src + 2 * k);
     const Cx<V> a{x.re * V::set1(scale), x.im * V::set1(scale)};
