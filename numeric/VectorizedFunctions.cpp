@@ -1,10 +1,21 @@
 // Complex products: every form is the four-wide kernel, or the strict loop, under its own name.
 #include "numeric/VectorizedFunctions.h"
 
+#include <atomic>
+
 #include "numeric/ComplexProduct.h"
 #include "numeric/Float4.h"
 
 unsigned char vectorized_functions_supports_AVX = 0;
+
+namespace {
+
+// A second instance may be storing its answer, the same one, while the first one runs.
+bool prefers_AVX() {
+  return std::atomic_ref(vectorized_functions_supports_AVX).load(std::memory_order_relaxed) != 0;
+}
+
+}  // namespace
 
 template <class T>
 void VectorizedFunctions<T>::cpx_mult_inplace(complex* a, const complex* b, int n) {
@@ -24,7 +35,7 @@ void VectorizedFunctions<T>::cpx_mult_inplace_AVX(complex* a, const complex* b, 
 
 template <class T>
 void VectorizedFunctions<T>::cpx_mult_inplace_fastest(complex* a, const complex* b, int n) {
-  if (vectorized_functions_supports_AVX) {
+  if (prefers_AVX()) {
     cpx_mult_inplace_AVX(a, b, n);
   } else {
     cpx_mult_inplace_SSE2(a, b, n);
@@ -52,7 +63,7 @@ void VectorizedFunctions<T>::cpx_mult_inplace_add_AVX(complex* y, const complex*
 template <class T>
 void VectorizedFunctions<T>::cpx_mult_inplace_add_fastest(complex* y, const complex* a,
                                                           const complex* b, int n) {
-  if (vectorized_functions_supports_AVX) {
+  if (prefers_AVX()) {
     cpx_mult_inplace_add_AVX(y, a, b, n);
   } else {
     cpx_mult_inplace_add_SSE2(y, a, b, n);
