@@ -78,9 +78,14 @@ Stereo HostedPlugin::Process(const Stereo& input, int frames) const {
 }
 
 void HostedPlugin::SettleByReset() {
-  Process({Signal(static_cast<size_t>(mBlockSize)), Signal(static_cast<size_t>(mBlockSize))});
-  Dispatch(effSetBlockSize, 0, mBlockSize + 1);
-  Dispatch(effSetBlockSize, 0, mBlockSize);
+  const Stereo silence{Signal(static_cast<size_t>(mBlockSize)),
+                       Signal(static_cast<size_t>(mBlockSize))};
+  // A block starts no render while another one runs, so the second round is for the last settings.
+  for (int round = 0; round < 2; ++round) {
+    Process(silence);
+    Dispatch(effSetBlockSize, 0, mBlockSize + 1);
+    Dispatch(effSetBlockSize, 0, mBlockSize);
+  }
 }
 
 Stereo Noise(int count, unsigned seed) {
