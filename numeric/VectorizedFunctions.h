@@ -3,8 +3,8 @@
 
 #include "numeric/AlignedVector.h"
 
-// Picks the form of the `_fastest` operations. Written by the plug-in's constructor, always with the
-// same value, and read from any thread, both by relaxed atomic access.
+// Picks the form of the `_fastest` operations. Written by the plug-in's constructor, always with
+// the same value, and read from any thread, both by relaxed atomic access.
 extern unsigned char vectorized_functions_supports_AVX;
 
 // Products over arrays of n complex values. All forms of one operation give the same bits for
