@@ -40,6 +40,8 @@ void ITolmaraWaveformSpectrogram::SetComputing(bool computing) {
   if (Load(mComputing) == computing) return;
   const std::lock_guard lock(mMutex);
   Store(mComputing, computing);
+  // A frame that has just drawn the old status and is about to clean the control must come again.
+  MarkRedraw();
   SetDirty(true);
 }
 

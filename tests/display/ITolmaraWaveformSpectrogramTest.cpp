@@ -210,6 +210,10 @@ TEST(Display, LocksAndDirtiesOnlyForAChangeOfTheStatus) {
   display.SetComputing(true);
   EXPECT_EQ(count.locks(), 1);
   EXPECT_TRUE(display.IsDirty());
+  display.SetClean();
+  EXPECT_TRUE(display.IsDirty()) << "a frame may have drawn the old status just before";
+  display.SetClean();
+  EXPECT_FALSE(display.IsDirty());
 }
 
 TEST(Display, DrawsNothingWhileAResponseIsPrepared) {
