@@ -145,6 +145,10 @@ class IGraphics {
   bool DrawHorizontalLine(const IColor* color, const IRECT* rect, float fraction);
   bool DrawRadialLine(const IColor* color, float cx, float cy, float angle, float rMin, float rMax,
                       const IChannelBlend* blend = nullptr, bool antiAlias = false);
+  // Draws, or with `measure` only sets `rect` to the area taken; `bitmap` may then be null. True for
+  // an empty text; false when no font can be made.
+  static bool DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, IRECT* rect,
+                         bool measure);
   // Sets `rect` to the area that `str` takes where DrawIText would put it. False without a font.
   bool MeasureIText(IText* text, const char* str, IRECT* rect);
   IBitmap ScaleBitmap(const IBitmap* bitmap, int w, int h);
@@ -165,12 +169,10 @@ class IGraphics {
   int GetLastClickedParam() const { return mLastClickedParam; }
 
  protected:
-  // Draws, or with `measure` only sets `rect` to the area taken. True for an empty text; false
-  // when no font can be made.
-  bool DrawTextOnCanvas(IText* text, const char* str, IRECT* rect, bool measure);
+  // Who gets an event there: the control that holds the mouse, else the topmost; -1 for none.
+  int GetMouseControlIdx(int x, int y, bool mouseOver = false) const;
 
  private:
-  int GetMouseControlIdx(int x, int y, bool mouseOver = false) const;
   void CaptureMouse(int controlIdx, int x, int y);
   void InsertBackground(std::unique_ptr<IControl> control);
   void DeleteControls();

@@ -105,7 +105,8 @@ IRECT Placed(const IRECT& rect, const LICE_Rect& extent, int align) {
 
 }  // namespace
 
-bool IGraphics::DrawTextOnCanvas(IText* text, const char* str, IRECT* rect, bool measure) {
+bool IGraphics::DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, IRECT* rect,
+                           bool measure) {
   if (!str || !*str) return true;
   const PlugLock::Guard guard(gFonts.Lock());
   LICE_CachedFont*& font = text->mCachedFont.font;
@@ -121,10 +122,10 @@ bool IGraphics::DrawTextOnCanvas(IText* text, const char* str, IRECT* rect, bool
   }
   if (text->mColor.A < 255) flags |= LICE_TEXT_USE_ALPHA;
   font->SetTextColor(text->mColor.Pixel());
-  font->DrawText(mDrawBitmap.get(), str, -1, &area, flags);
+  font->DrawText(bitmap, str, -1, &area, flags);
   return true;
 }
 
 bool IGraphics::MeasureIText(IText* text, const char* str, IRECT* rect) {
-  return DrawTextOnCanvas(text, str, rect, true);
+  return DrawTextOn(nullptr, text, str, rect, true);
 }

@@ -1,0 +1,17 @@
+// The plug-in lock, out of the way while somebody waits.
+#pragma once
+
+#include <optional>
+
+#include "iplug/IPlugBase.h"
+
+// Gives up what this thread holds of the lock for a scope. Nothing without a plug-in.
+class LockPause {
+ public:
+  explicit LockPause(IPlugBase* plug) {
+    if (plug) mPause.emplace(plug->GetLock());
+  }
+
+ private:
+  std::optional<PlugLock::Pause> mPause;
+};

@@ -1,0 +1,47 @@
+// The rows of a menu: what stands where, and which can be chosen.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "graphics/IGraphicsTypes.h"
+
+class IPopupMenu;
+
+struct MenuRow {
+  int top = 0, height = 0;  // pixels from the top of the menu
+  std::string text;         // with its number
+  IPopupMenu* submenu = nullptr;
+  bool separator = false, enabled = true, checked = false;
+  bool indented = false;
+
+  bool CanBeLit() const { return !separator && enabled; }
+};
+
+// Rows have the indices of the menu's items. Sizes are in pixels and include the border.
+class MenuLayout {
+ public:
+  static constexpr int kRowHeight = 20;
+  static constexpr int kTextLeft = 22;  // behind the column of the check marks
+  static constexpr int kIndentation = 12;
+
+  // `widthOf` measures a text.
+  MenuLayout(const IPopupMenu& menu, const std::function<int(const std::string&)>& widthOf);
+
+  int Width() const { return mWidth; }
+  int Height() const { return mHeight; }
+  const std::vector<MenuRow>& Rows() const { return mRows; }
+  const MenuRow& Row(int row) const { return mRows[static_cast<size_t>(row)]; }
+  int RowAt(int y) const;  // -1 for none
+  // The next row in a direction that can be lit, around the ends; from -1 the first or last. -1
+  // when there is none.
+  int Next(int row, int direction) const;
+
+ private:
+  std::vector<MenuRow> mRows;
+  int mWidth, mHeight;
+};
+
+// Moved as little as it takes to lie inside `area`, cut to its size where it is larger.
+IRECT MovedInto(const IRECT& rect, const IRECT& area);

@@ -1,0 +1,205 @@
+// Which event goes where, and the text field's life.
+#include "graphics/x11/EditOfParam.h"
+#include "graphics/x11/IGraphicsX11.h"
+#include "graphics/x11/X11Editor.h"
+
+namespace {
+
+template <class T>
+const T& As(const xcb_generic_event_t& event) {
+  return reinterpret_cast<const T&>(event);
+}
+
+// Buttons 4 and 5 are the wheel, up and down; others above 3 are none of ours.
+int WheelDistance(xcb_button_t button) { return button == 4 ? 1 : button == 5 ? -1 : 0; }
+
+// Grabs come and go without anybody having left.
+bool IsOfGrab(uint8_t mode) {
+  return mode == XCB_NOTIFY_MODE_GRAB || mode == XCB_NOTIFY_MODE_UNGRAB;
+}
+
+}  // namespace
+
+void X11Editor::HandleEvents() {
+  while (!mEnding.IsNear()) {
+    const X11Event event = mConnection.NextEvent();
+    if (!event) return;
+    Handle(*event);
+  }
+}
+
+void X11Editor::Handle(const xcb_generic_event_t& event) {
+  switch (X11TypeOf(event)) {
+    case XCB_EXPOSE: return OnExpose(As<xcb_expose_event_t>(event));
+    case XCB_BUTTON_PRESS: return OnPress(As<xcb_button_press_event_t>(event));
+    case XCB_BUTTON_RELEASE: return OnRelease(As<xcb_button_release_event_t>(event));
+    case XCB_MOTION_NOTIFY: return OnMotion(As<xcb_motion_notify_event_t>(event));
+    case XCB_LEAVE_NOTIFY: return OnLeave(As<xcb_leave_notify_event_t>(event));
+    case XCB_KEY_PRESS: return OnKey(As<xcb_key_press_event_t>(event));
+    case XCB_FOCUS_OUT: return OnFocusOut(As<xcb_focus_out_event_t>(event));
+    case XCB_DESTROY_NOTIFY: return OnDestroyed(As<xcb_destroy_notify_event_t>(event));
+    case XCB_MAPPING_NOTIFY: return mKeymap.Load(mConnection);
+    default: break;
+  }
+  const auto pasted = mClipboard->Handle(event);
+  if (pasted && mField) mField->Paste(*pasted);
+}
+
+void X11Editor::OnExpose(const xcb_expose_event_t& event) {
+  const IRECT rect(event.x, event.y, event.x + event.width, event.y + event.height);
+  if (event.window == mWindow->Id()) {
+    mSurface->Show(rect);
+  } else if (mField && mField->Pane().Is(event.window)) {
+    mField->Pane().Expose(rect);
+  } else if (mMenu) {
+    mMenu->Expose(event.window, rect);
+  }
+}
+
+void X11Editor::OnDestroyed(const xcb_destroy_notify_event_t& event) {
+  if (event.window != mWindow->Id()) return;
+  mWindow->Forget();
+  EndTextEntry();
+}
+
+void X11Editor::OnPress(const xcb_button_press_event_t& event) {
+  mTime = event.time;
+  const int distance = WheelDistance(event.detail);
+  if (mMenu) return distance ? mMenu->Wheel(distance) : mMenu->Press(event);
+  if (mInDialog || event.detail > 5) return;
+  if (distance) return OnWheel(distance, event);
+  mScreenPoint = {event.root_x, event.root_y};
+  const int clicks = mClicks.Press(event.detail, event.root_x, event.root_y, event.time);
+  mFieldHasPress = mField && mField->Pane().Is(event.event);
+  if (mFieldHasPress) {
+    TakeFocus();
+    return mField->Press(event.event_x, (event.state & XCB_MOD_MASK_SHIFT) != 0, clicks);
+  }
+  CommitTextEntry();
+  mMouse.Press(event.detail, clicks, event.event_x, event.event_y, event.state);
+  mGraphics.ShowFailure();
+}
+
+void X11Editor::OnWheel(int distance, const xcb_button_press_event_t& event) {
+  X11Point place{event.event_x, event.event_y};
+  if (mField && mField->Pane().Is(event.event)) {
+    place.x += mField->Pane().Place().L;
+    place.y += mField->Pane().Place().T;
+  }
+  EndTextEntry();
+  mMouse.Wheel(distance, place.x, place.y, event.state);
+}
+
+void X11Editor::OnRelease(const xcb_button_release_event_t& event) {
+  mTime = event.time;
+  if (WheelDistance(event.detail)) return;
+  if (mMenu) return mMenu->Release(event);
+  if (mInDialog) return;
+  if (mFieldHasPress) {
+    mFieldHasPress = false;
+  } else {
+    mMouse.Release(event.detail, event.event_x, event.event_y, event.state);
+  }
+}
+
+void X11Editor::OnMotion(const xcb_motion_notify_event_t& event) {
+  mTime = event.time;
+  if (mMenu) return mMenu->Motion(event);
+  if (mInDialog) return;
+  if (mField && mField->Pane().Is(event.event)) {
+    if (mFieldHasPress && (event.state & XCB_BUTTON_MASK_1)) mField->Drag(event.event_x);
+  } else if (event.event == mWindow->Id()) {
+    mMouse.Motion(event.event_x, event.event_y, event.state, !mField);
+  }
+}
+
+void X11Editor::OnLeave(const xcb_leave_notify_event_t& event) {
+  if (mMenu || mInDialog || IsOfGrab(event.mode)) return;
+  if (event.detail != XCB_NOTIFY_DETAIL_INFERIOR) mMouse.Leave();
+}
+
+void X11Editor::OnKey(const xcb_key_press_event_t& event) {
+  mTime = event.time;
+  const X11Key key = mKeymap.Find(event.detail, event.state);
+  if (mMenu) return mMenu->Key(key);
+  if (mInDialog) return;
+  if (mField) return OnKeyInField(key, event);
+  const int code = key.Code();
+  if (code < 0 || !mGraphics.OnKeyDown(mMouse.X(), mMouse.Y(), code)) PassOn(event);
+}
+
+void X11Editor::OnKeyInField(const X11Key& key, const xcb_key_press_event_t& event) {
+  switch (mField->Key(key, *mClipboard, event.time)) {
+    case X11TextField::Use::kNone: return PassOn(event);
+    case X11TextField::Use::kTaken: return;
+    case X11TextField::Use::kCommit: return CommitTextEntry();
+    case X11TextField::Use::kAbandon: return EndTextEntry();
+  }
+}
+
+// Keys that nobody here has a use for are the host's.
+void X11Editor::PassOn(const xcb_key_press_event_t& event) {
+  xcb_key_press_event_t copy = event;
+  copy.event = mParent;
+  copy.child = mWindow->Id();
+  xcb_send_event(mConnection.Get(), 1, mParent, XCB_EVENT_MASK_KEY_PRESS,
+                 reinterpret_cast<const char*>(&copy));
+}
+
+void X11Editor::OnFocusOut(const xcb_focus_out_event_t& event) {
+  const bool isOlder = static_cast<int16_t>(event.sequence - mFocusRequest) < 0;
+  const bool stays =
+      event.detail == XCB_NOTIFY_DETAIL_INFERIOR || event.detail >= XCB_NOTIFY_DETAIL_POINTER;
+  if (!mHasFocus || isOlder || stays || IsOfGrab(event.mode)) return;
+  mHasFocus = false;
+  CommitTextEntry();
+}
+
+void X11Editor::OpenTextEntry(IControl* control, const IText& style, const IRECT& rect,
+                              const char* str, IParam* param) {
+  if (!control || mField || mMenu || mInDialog || IsLost()) return;
+  mField.emplace(mConnection, *mLook, mWindow->Id(), control, style, rect, str, param);
+  TakeFocus();
+}
+
+void X11Editor::CommitTextEntry() {
+  if (!mField || mCommitting) return;
+  mCommitting = true;
+  IControl* control = mField->Control();
+  const std::string text = mField->Text();
+  if (IParam* param = mField->Param()) {
+    const EditOfParam edit(mGraphics.GetPlug(), control->ParamIdx());
+    mGraphics.SetFromStringAfterPrompt(control, param, text.c_str());
+  } else {
+    control->TextFromTextEntry(text.c_str());
+  }
+  mCommitting = false;
+  EndTextEntry();
+}
+
+void X11Editor::EndTextEntry() {
+  if (!mField) return;
+  mField.reset();
+  mFieldHasPress = false;
+  GiveFocusBack();
+}
+
+// Only a window that can be seen can have it.
+void X11Editor::TakeFocus() {
+  xcb_connection_t* c = mConnection.Get();
+  const auto attributesCookie = xcb_get_window_attributes(c, mWindow->Id());
+  const auto focusCookie = xcb_get_input_focus(c);
+  const auto attributes = mConnection.Await<xcb_get_window_attributes_reply_t>(attributesCookie);
+  const auto focus = mConnection.Await<xcb_get_input_focus_reply_t>(focusCookie);
+  if (!attributes || !focus || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return;
+  if (focus->focus != mWindow->Id()) mFocusBefore = focus->focus;
+  mFocusRequest = static_cast<uint16_t>(
+      xcb_set_input_focus(c, XCB_INPUT_FOCUS_PARENT, mWindow->Id(), mTime).sequence);
+  mHasFocus = true;
+}
+
+void X11Editor::GiveFocusBack() {
+  if (!mHasFocus || IsLost()) return;
+  mHasFocus = false;
+  xcb_set_input_focus(mConnection.Get(), XCB_INPUT_FOCUS_PARENT, mFocusBefore, XCB_CURRENT_TIME);
+}
