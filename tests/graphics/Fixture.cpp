@@ -1,6 +1,7 @@
 // The recording plug-in and editor.
 #include "tests/graphics/Fixture.h"
 
+#include <array>
 #include <cstdio>
 
 TestPlug::TestPlug()
@@ -9,20 +10,13 @@ TestPlug::TestPlug()
   GetParam(kLevel)->InitDouble("Level", 0.25, 0.0, 1.0, 0.01, "dB");
   GetParam(kCount)->InitInt("Count", 4, 0, 10);
   GetParam(kColour)->InitEnum("Colour", 1, 3);
-  GetParam(kColour)->SetDisplayText(0, "red");
-  GetParam(kColour)->SetDisplayText(1, "green");
-  GetParam(kColour)->SetDisplayText(2, "blue");
+  for (int i = 0; i < 3; ++i) {
+    GetParam(kColour)->SetDisplayText(i,
+                                      std::array{"red", "green", "blue"}[static_cast<size_t>(i)]);
+  }
   GetParam(kOnOff)->InitBool("OnOff", false);
   GetParam(kNegated)->InitDouble("Negated", 3.0, 0.0, 12.0, 0.1);
   GetParam(kNegated)->NegateDisplay(true);
-}
-
-void TestPlug::OnParamChange(int paramIdx) {
-  calls.push_back("changed " + std::to_string(paramIdx));
-}
-
-void TestPlug::BeginInformHostOfParamChange(int idx) {
-  calls.push_back("begin " + std::to_string(idx));
 }
 
 void TestPlug::InformHostOfParamChange(int idx, double normalizedValue) {
@@ -31,13 +25,10 @@ void TestPlug::InformHostOfParamChange(int idx, double normalizedValue) {
   calls.push_back(text);
 }
 
-void TestPlug::EndInformHostOfParamChange(int idx) {
-  calls.push_back("end " + std::to_string(idx));
-}
-
-bool TestGraphics::DrawScreen(IRECT*) {
-  ++screens;
-  return true;
+bool TestGraphics::DrawIText(IText* text, const char* str, IRECT* rect) {
+  lastText = str ? str : "";
+  lastStyle = *text;
+  return IGraphicsOffscreen::DrawIText(text, str, rect);
 }
 
 IPopupMenu* TestGraphics::CreateIPopupMenu(IPopupMenu* menu, IRECT* rect) {
@@ -50,17 +41,16 @@ void TestGraphics::CreateTextEntry(IControl* control, IText*, IRECT* rect, const
                                    IParam* param) {
   lastRect = *rect;
   fieldText = str;
-  if (typeText) SetFromStringAfterPrompt(control, param, typeText(str).c_str());
+  if (!typedText.empty()) SetFromStringAfterPrompt(control, param, typedText.c_str());
 }
 
-void TestGraphics::PromptForFile(HeapString* file, int, HeapString* dir, const char*) {
+void TestGraphics::PromptForFile(HeapString* file, int, HeapString*, const char*) {
   file->Set(chosenFile.c_str());
-  dir->Set("/chosen/");
 }
 
 bool TestGraphics::OpenURL(const char* url, const char*) {
   urls.push_back(url);
-  return openURL && openURL(url);
+  return opensURLs;
 }
 
 bool TestGraphics::Tick() {
@@ -70,21 +60,24 @@ bool TestGraphics::Tick() {
   return true;
 }
 
+void TestGraphics::DrawEverything() {
+  IRECT all(0, 0, Width(), Height());
+  Draw(&all);
+}
+
 IRECT TestGraphics::BoundsOf(uint32_t pixel) const {
   IRECT bounds;
-  for (int y = 0; y < Height(); ++y) {
-    for (int x = 0; x < Width(); ++x) {
-      if (PixelAt(x, y) == pixel) bounds = bounds.Union({x, y, x + 1, y + 1});
-    }
+  for (int i = 0; i < Width() * Height(); ++i) {
+    const int x = i % Width();
+    const int y = i / Width();
+    if (PixelAt(x, y) == pixel) bounds = bounds.Union({x, y, x + 1, y + 1});
   }
   return bounds;
 }
 
 int TestGraphics::CountOf(uint32_t pixel) const {
   int n = 0;
-  for (int y = 0; y < Height(); ++y) {
-    for (int x = 0; x < Width(); ++x) n += PixelAt(x, y) == pixel;
-  }
+  for (int i = 0; i < Width() * Height(); ++i) n += PixelAt(i % Width(), i / Width()) == pixel;
   return n;
 }
 
@@ -106,16 +99,26 @@ void EditorTest::Settle() {
   }
 }
 
+void EditorTest::SetLevel(double value) {
+  graphics->SetParameterFromPlug(kLevel, value, true);
+  Settle();
+}
+
+void EditorTest::Click(int x, int y) {
+  graphics->OnMouseDown(x, y, &left);
+  graphics->OnMouseUp(x, y, &left);
+  Settle();
+}
+
 IBitmap FramesOf(int w, int h, const std::vector<IColor>& colours, bool horizontal) {
   const int n = static_cast<int>(colours.size());
-  auto pixels = std::make_unique<LICE_MemBitmap>(horizontal ? w * n : w, horizontal ? h : h * n);
+  auto* pixels = new LICE_MemBitmap(horizontal ? w * n : w, horizontal ? h : h * n);
   for (int i = 0; i < n; ++i) {
-    LICE_FillRect(pixels.get(), horizontal ? i * w : 0, horizontal ? 0 : i * h, w, h,
+    LICE_FillRect(pixels, horizontal ? i * w : 0, horizontal ? 0 : i * h, w, h,
                   colours[static_cast<size_t>(i)].Pixel());
   }
-  IBitmap bitmap(static_cast<LICE_IBitmap*>(pixels.get()), pixels->getWidth(), pixels->getHeight(),
-                 n, horizontal);
+  IBitmap bitmap(static_cast<LICE_IBitmap*>(pixels), pixels->getWidth(), pixels->getHeight(), n,
+                 horizontal);
   IGraphics::RetainBitmap(&bitmap);
-  pixels.release();
   return bitmap;
 }

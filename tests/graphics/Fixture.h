@@ -5,31 +5,32 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "graphics/IGraphicsOffscreen.h"
 #include "graphics/lice/LICE.h"
 #include "iplug/IPlugBase.h"
 
-// Parameters of the test plug-in.
+using Calls = std::vector<std::string>;
+
 enum ETestParam {
   kLevel,    // double 0 to 1, default 0.25, two decimals, "dB"
   kCount,    // int 0 to 10, default 4
-  kColour,   // enum "red", "green", "blue"
+  kColour,   // enum "red", "green", "blue", default 1
   kOnOff,    // bool
-  kNegated,  // double 0 to 12, shown with opposite sign, one decimal
+  kNegated,  // double 0 to 12, shown with opposite sign
   kNumTestParams
 };
 
-// Writes down each call as a word: "begin 0", "set 0 0.500", "end 0".
+// Writes down each call as words: "begin 0", "set 0 0.500", "changed 0", "end 0".
 class TestPlug : public IPlugBase {
  public:
   TestPlug();
-
-  void OnParamChange(int paramIdx) override;
-  void BeginInformHostOfParamChange(int idx) override;
+  void OnParamChange(int idx) override { Note("changed", idx); }
+  void BeginInformHostOfParamChange(int idx) override { Note("begin", idx); }
   void InformHostOfParamChange(int idx, double normalizedValue) override;
-  void EndInformHostOfParamChange(int idx) override;
+  void EndInformHostOfParamChange(int idx) override { Note("end", idx); }
   void InformHostOfProgramChange() override {}
   bool IsRenderingOffline() override { return false; }
   int GetSamplePos() override { return 0; }
@@ -42,39 +43,45 @@ class TestPlug : public IPlugBase {
   bool SendMidiMsg(IMidiMsg*) override { return false; }
   bool SendSysEx(ISysEx*) override { return false; }
 
-  std::vector<std::string> TakeCalls() { return std::exchange(calls, {}); }
+  Calls TakeCalls() { return std::exchange(calls, {}); }
 
  private:
-  std::vector<std::string> calls;
+  void Note(const char* what, int idx) {
+    calls.push_back(std::string(what) + " " + std::to_string(idx));
+  }
+
+  Calls calls;
 };
 
 // An editor whose user is a set of functions.
 class TestGraphics : public IGraphicsOffscreen {
  public:
   TestGraphics(IPlugBase* plug, int w, int h) : IGraphicsOffscreen(plug, w, h, 0) {}
-
-  bool DrawScreen(IRECT* rect) override;
+  bool DrawScreen(IRECT*) override { return ++screens > 0; }
+  bool DrawIText(IText* text, const char* str, IRECT* rect) override;
   IPopupMenu* CreateIPopupMenu(IPopupMenu* menu, IRECT* rect) override;
   void CreateTextEntry(IControl* control, IText* text, IRECT* rect, const char* str,
                        IParam* param) override;
-  void PromptForFile(HeapString* file, int action, HeapString* dir,
-                     const char* extensions) override;
-  bool OpenURL(const char* url, const char* errMsg) override;
+  void PromptForFile(HeapString* file, int, HeapString*, const char*) override;
+  bool OpenURL(const char* url, const char*) override;
 
-  // Draws all that is dirty, as the window's timer does. False when nothing was.
+  // Draws what is dirty, as the window's timer does. False when nothing was.
   bool Tick();
+  void DrawEverything();
   uint32_t PixelAt(int x, int y) const { return LICE_GetPixel(GetDrawBitmap(), x, y); }
-  // The smallest rectangle over all pixels of a colour.
+  // The smallest rectangle over the pixels of a colour, and how many they are.
   IRECT BoundsOf(uint32_t pixel) const;
   int CountOf(uint32_t pixel) const;
 
   int screens = 0;  // how often the canvas went to the screen
   std::function<IPopupMenu*(IPopupMenu*)> chooseItem;
-  IRECT lastRect;                                    // of the last menu or field
-  std::string fieldText;                             // what the last field opened with
-  std::function<std::string(std::string)> typeText;  // what the user makes of it
-  std::vector<std::string> urls;                     // all that were asked for
-  std::function<bool(std::string)> openURL;
+  std::string lastText;  // drawn last, and its style
+  IText lastStyle;
+  IRECT lastRect;         // of the last menu or field
+  std::string fieldText;  // what the last field opened with
+  std::string typedText;  // what the user makes of it; "" to leave it
+  Calls urls;             // all that were asked for
+  bool opensURLs = false;
   std::string chosenFile;
 };
 
@@ -83,7 +90,6 @@ class ProbeControl : public IControl {
  public:
   ProbeControl(IPlugBase* plug, IRECT rect, int paramIdx = -1, IColor color = kColorRed)
       : IControl(plug, rect, paramIdx), mColor(color) {}
-
   void OnMouseDown(int x, int y, IMouseMod*) override { Note("down", x, y); }
   void OnMouseUp(int x, int y, IMouseMod*) override { Note("up", x, y); }
   void OnMouseDrag(int, int, int dX, int dY, IMouseMod*) override { Note("drag", dX, dY); }
@@ -92,10 +98,9 @@ class ProbeControl : public IControl {
   void OnMouseOver(int x, int y, IMouseMod*) override { Note("over", x, y); }
   void OnMouseOut() override { Note("out", 0, 0); }
   bool OnKeyDown(int, int, int key) override { return Note("key", key, 0), takesKeys; }
-  void TextFromTextEntry(const char* text) override { events.push_back(text); }
   bool Draw(IGraphics* graphics) override;
 
-  std::vector<std::string> TakeEvents() { return std::exchange(events, {}); }
+  Calls TakeEvents() { return std::exchange(events, {}); }
 
   bool takesKeys = true;
   std::function<void()> onDraw;
@@ -106,7 +111,7 @@ class ProbeControl : public IControl {
   }
 
   IColor mColor;
-  std::vector<std::string> events;
+  Calls events;
 };
 
 // A plug-in with an editor of 200 by 100.
@@ -115,31 +120,29 @@ class EditorTest : public ::testing::Test {
   static constexpr int kWidth = 200, kHeight = 100;
 
   EditorTest() : graphics(new TestGraphics(&plug, kWidth, kHeight)) {}
+  ~EditorTest() override {
+    if (!isAttached) delete graphics;
+  }
 
-  // Gives the editor to the plug-in, draws it once and forgets what was called.
-  void Show();
   template <class T, class... Args>
   T* Attach(Args&&... args) {
     auto* control = new T(&plug, std::forward<Args>(args)...);
     graphics->AttachControl(control);
     return control;
   }
+  // Gives the editor to the plug-in, draws it and forgets what was called.
+  void Show();
   // Draws frames until nothing is dirty any more.
   void Settle();
+  // A value from the host, drawn.
+  void SetLevel(double value);
+  void Click(int x, int y);
 
   TestPlug plug;
   TestGraphics* graphics;  // owned by the plug-in from Show on
   bool isAttached = false;
-  IMouseMod left{true};
-  IMouseMod right{false, true};
-  IMouseMod shifted{true, false, true};
-
-  ~EditorTest() override {
-    if (!isAttached) delete graphics;
-  }
+  IMouseMod left{true}, right{false, true}, shifted{true, false, true};
 };
 
-// A bitmap of `n` stacked frames of w by h, frame i filled with colours[i].
+// A bitmap of stacked frames of w by h, one of each colour.
 IBitmap FramesOf(int w, int h, const std::vector<IColor>& colours, bool horizontal = false);
-
-using Calls = std::vector<std::string>;

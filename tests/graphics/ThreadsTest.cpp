@@ -7,7 +7,7 @@
 
 namespace {
 
-class Threads : public EditorTest {};
+using Threads = EditorTest;
 
 TEST_F(Threads, ParametersMayChangeWhileTheEditorDrawsAndNoChangeIsLost) {
   graphics->AttachPanelBackground(&kColorBlack);
