@@ -81,7 +81,7 @@ bool VisibleSteps(const Walk& w, int major_size, int minor_size, std::int64_t& f
   return first <= last;
 }
 
-// Paints the steps of the walk on pixels at p + major * major_stride + minor * minor_stride.
+// Paints the visible steps of the walk; `steep`: its longer axis is y.
 template <typename Pen>
 void PaintWalk(const LICE_Surface& s, const Walk& w, bool steep, const Pen& pen) {
   std::int64_t first, last;
@@ -121,8 +121,9 @@ void DrawColumn(const LICE_Surface& s, int x, int y1, int y2, LICE_pixel color, 
   });
 }
 
-template <typename Pen>
-void PaintLine(const LICE_Surface& s, int x1, int y1, int x2, int y2, const Pen& pen) {
+// Makes x the longer axis, along which the line then ascends. True if the axes were exchanged.
+template <typename Real>
+bool RunAlongX(Real& x1, Real& y1, Real& x2, Real& y2) {
   const bool steep = std::abs(y2 - y1) > std::abs(x2 - x1);
   if (steep) {
     std::swap(x1, y1);
@@ -132,6 +133,12 @@ void PaintLine(const LICE_Surface& s, int x1, int y1, int x2, int y2, const Pen&
     std::swap(x1, x2);
     std::swap(y1, y2);
   }
+  return steep;
+}
+
+template <typename Pen>
+void PaintLine(const LICE_Surface& s, int x1, int y1, int x2, int y2, const Pen& pen) {
+  const bool steep = RunAlongX(x1, y1, x2, y2);
   const Walk walk{x1, y1, x2 - x1, std::abs(y2 - y1), y2 < y1 ? -1 : 1};
   PaintWalk(s, walk, steep, pen);
 }
@@ -146,15 +153,7 @@ int RoundDown(Real v) {
 // axis; each position is computed from the line's own start, so clipping doesn't move it.
 template <typename Pen>
 void PaintSmoothLine(const LICE_Surface& s, Segment l, const Pen& pen) {
-  const bool steep = std::abs(l.y2 - l.y1) > std::abs(l.x2 - l.x1);
-  if (steep) {
-    std::swap(l.x1, l.y1);
-    std::swap(l.x2, l.y2);
-  }
-  if (l.x1 > l.x2) {
-    std::swap(l.x1, l.x2);
-    std::swap(l.y1, l.y2);
-  }
+  const bool steep = RunAlongX(l.x1, l.y1, l.x2, l.y2);
   const int major_size = steep ? s.h : s.w, minor_size = steep ? s.w : s.h;
   const double slope = l.x2 > l.x1 ? (l.y2 - l.y1) / (l.x2 - l.x1) : 0.0;
   const int first = std::max(0, RoundDown(l.x1));

@@ -163,24 +163,4 @@ TEST(PolyLine, PaintsWhatItsLinesPaintOneByOne) {
   }
 }
 
-TEST(SharpLine, AddsUpToWhiteAsTheFillDoes) {
-  for (int seed = 0; seed < 300; ++seed) {
-    Random random(static_cast<std::uint64_t>(seed));
-    LICE_MemBitmap line(9, 9), fill(9, 9);
-    Randomise(line, random);
-    LICE_Blit(&fill, &line, 0, 0, 0, 0, 9, 9, 1.0f, LICE_BLIT_MODE_COPY);
-    const LICE_pixel color = RandomPixel(random);
-    const float weight = random.uniform(-0.5f, 2.0f);
-    const int mode = LICE_BLIT_MODE_ADD | (random.integer(0, 1) ? LICE_BLIT_USE_ALPHA : 0);
-    LICE_Line(&line, 4, 0, 4, 8, color, weight, mode, false);
-    // The same mode through the general path: as a source bitmap with that colour.
-    LICE_MemBitmap source(1, 9);
-    LICE_FillRect(&source, 0, 0, 1, 9, color);
-    const float alpha =
-        mode & LICE_BLIT_USE_ALPHA ? static_cast<float>(LICE_GETA(color)) / 255.0f : 1.0f;
-    LICE_Blit(&fill, &source, 4, 0, 0, 0, 1, 9, weight * alpha, LICE_BLIT_MODE_ADD);
-    ASSERT_TRUE(SameScreen(line, Screen(fill))) << "seed " << seed;
-  }
-}
-
 }  // namespace
