@@ -14,8 +14,9 @@ namespace {
 
 using dft::Spec;
 
+static_assert(sizeof(Spec) >= 768, "callers count on spec blocks of at least that");
+
 constexpr std::uintptr_t kAlignment = 64;
-constexpr std::int64_t kLeastSpec = 768;
 constexpr int kLargestOrder = 29;  // of a power of two
 constexpr int kTooLong = 1 << 27;  // for any other length
 constexpr int kTooLongForOddConvolution = 1 << 26;
@@ -70,15 +71,28 @@ IppStatus set_up(int length, int flag, int hint, dft::Setup& setup) {
     *bytes = with_slack(*bytes);
     if (*bytes > INT_MAX) return ippStsSizeErr;
   }
-  if (setup.spec_bytes < kLeastSpec) setup.spec_bytes = kLeastSpec;
   return ippStsNoErr;
 }
 
-IppStatus check(const float* src, const float* dst, const IppsDFTSpec_R_32f* spec,
-                const Ipp8u* work) {
-  if (!src || !dst || !spec) return ippStsNullPtrErr;
-  if (align(spec)->identifier != dft::kIdentifier) return ippStsContextMatchErr;
-  return work || align(spec)->length <= dft::kLargestSmall ? ippStsNoErr : ippStsNullPtrErr;
+// One direction: the kernels for short and for all other lengths, and the scale.
+struct Direction {
+  const dft::SmallKernels& small;
+  void (*dft::Engine::*run)(const Spec&, const float*, float*, float*);
+  float Spec::*scale;
+};
+
+IppStatus transform(const Direction& direction, const float* src, float* dst,
+                    const IppsDFTSpec_R_32f* block, Ipp8u* work) {
+  if (!src || !dst || !block) return ippStsNullPtrErr;
+  const Spec& spec = *align(block);
+  if (spec.identifier != dft::kIdentifier) return ippStsContextMatchErr;
+  if (spec.length <= dft::kLargestSmall) {
+    direction.small[static_cast<unsigned>(spec.length)](src, dst, spec.*direction.scale);
+    return ippStsNoErr;
+  }
+  if (!work) return ippStsNullPtrErr;
+  (dft::engine().*direction.run)(spec, src, dst, align<float>(work));
+  return ippStsNoErr;
 }
 
 }  // namespace
@@ -103,26 +117,16 @@ IppStatus ippsDFTInit_R_32f(int length, int flag, int hint, IppsDFTSpec_R_32f* s
   return ippStsNoErr;
 }
 
-IppStatus ippsDFTFwd_RToCCS_32f(const Ipp32f* src, Ipp32f* dst, const IppsDFTSpec_R_32f* block,
+IppStatus ippsDFTFwd_RToCCS_32f(const Ipp32f* src, Ipp32f* dst, const IppsDFTSpec_R_32f* spec,
                                 Ipp8u* work) {
-  if (const auto status = check(src, dst, block, work); status != ippStsNoErr) return status;
-  const Spec& spec = *align(block);
-  if (spec.length <= dft::kLargestSmall) {
-    dft::small_forward[static_cast<unsigned>(spec.length)](src, dst, spec.forward_scale);
-  } else {
-    dft::engine().forward(spec, src, dst, align<float>(work));
-  }
-  return ippStsNoErr;
+  static constexpr Direction kForward = {dft::small_forward, &dft::Engine::forward,
+                                         &Spec::forward_scale};
+  return transform(kForward, src, dst, spec, work);
 }
 
-IppStatus ippsDFTInv_CCSToR_32f(const Ipp32f* src, Ipp32f* dst, const IppsDFTSpec_R_32f* block,
+IppStatus ippsDFTInv_CCSToR_32f(const Ipp32f* src, Ipp32f* dst, const IppsDFTSpec_R_32f* spec,
                                 Ipp8u* work) {
-  if (const auto status = check(src, dst, block, work); status != ippStsNoErr) return status;
-  const Spec& spec = *align(block);
-  if (spec.length <= dft::kLargestSmall) {
-    dft::small_inverse[static_cast<unsigned>(spec.length)](src, dst, spec.inverse_scale);
-  } else {
-    dft::engine().inverse(spec, src, dst, align<float>(work));
-  }
-  return ippStsNoErr;
+  static constexpr Direction kInverse = {dft::small_inverse, &dft::Engine::inverse,
+                                         &Spec::inverse_scale};
+  return transform(kInverse, src, dst, spec, work);
 }

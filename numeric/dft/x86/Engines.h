@@ -9,4 +9,4 @@ extern const Engine kEngineSse2;
 extern const Engine kEngineAvx2;
 extern const Engine kEngineAvx512;
 
-} // namespace dft
+}  // namespace dft

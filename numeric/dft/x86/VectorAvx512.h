@@ -21,19 +21,13 @@ struct Vector16 {
   static constexpr int lanes = 16;
   __m512 v;
 
-  static Vector16 load(const float *p) { return {_mm512_loadu_ps(p)}; }
+  static Vector16 load(const float* p) { return {_mm512_loadu_ps(p)}; }
   static Vector16 set1(float x) { return {_mm512_set1_ps(x)}; }
-  void store(float *p) const { _mm512_storeu_ps(p, v); }
+  void store(float* p) const { _mm512_storeu_ps(p, v); }
 
-  friend Vector16 operator+(Vector16 a, Vector16 b) {
-    return {_mm512_add_ps(a.v, b.v)};
-  }
-  friend Vector16 operator-(Vector16 a, Vector16 b) {
-    return {_mm512_sub_ps(a.v, b.v)};
-  }
-  friend Vector16 operator*(Vector16 a, Vector16 b) {
-    return {_mm512_mul_ps(a.v, b.v)};
-  }
+  friend Vector16 operator+(Vector16 a, Vector16 b) { return {_mm512_add_ps(a.v, b.v)}; }
+  friend Vector16 operator-(Vector16 a, Vector16 b) { return {_mm512_sub_ps(a.v, b.v)}; }
+  friend Vector16 operator*(Vector16 a, Vector16 b) { return {_mm512_mul_ps(a.v, b.v)}; }
   static Vector16 fma(Vector16 a, Vector16 b, Vector16 c) {
     return {_mm512_fmadd_ps(a.v, b.v, c.v)};
   }
@@ -46,29 +40,26 @@ struct Vector16 {
 
   Vector16 reversed() const {
     return {_mm512_permutexvar_ps(
-        _mm512_setr_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0),
-        v)};
+        _mm512_setr_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0), v)};
   }
-  static Cx<Vector16> load_pairs(const float *p) {
+  static Cx<Vector16> load_pairs(const float* p) {
     const __m512 a = _mm512_loadu_ps(p), b = _mm512_loadu_ps(p + 16);
-    const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18,
-                                           20, 22, 24, 26, 28, 30);
-    const __m512i odd = _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21,
-                                          23, 25, 27, 29, 31);
-    return {{_mm512_permutex2var_ps(a, even, b)},
-            {_mm512_permutex2var_ps(a, odd, b)}};
+    const __m512i even =
+        _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+    const __m512i odd =
+        _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
+    return {{_mm512_permutex2var_ps(a, even, b)}, {_mm512_permutex2var_ps(a, odd, b)}};
   }
-  static void store_pairs(float *p, Cx<Vector16> x) {
-    const __m512i low = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5,
-                                          21, 6, 22, 7, 23);
-    const __m512i high = _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28,
-                                           13, 29, 14, 30, 15, 31);
+  static void store_pairs(float* p, Cx<Vector16> x) {
+    const __m512i low = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+    const __m512i high =
+        _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
     _mm512_storeu_ps(p, _mm512_permutex2var_ps(x.re.v, low, x.im.v));
     _mm512_storeu_ps(p + 16, _mm512_permutex2var_ps(x.re.v, high, x.im.v));
   }
 
   template <int R>
-  [[gnu::always_inline]] static void store_rows(float *y, const Vector16 *x) {
+  [[gnu::always_inline]] static void store_rows(float* y, const Vector16* x) {
     Vector8 low[R], high[R];
     unrolled<R>([&](auto k) {
       low[k].v = _mm512_castps512_ps256(x[k].v);
@@ -79,4 +70,4 @@ struct Vector16 {
   }
 };
 
-} // namespace
+}  // namespace

@@ -12,44 +12,30 @@ struct Vector4 {
   static constexpr int lanes = 4;
   __m128 v;
 
-  static Vector4 load(const float *p) { return {_mm_loadu_ps(p)}; }
+  static Vector4 load(const float* p) { return {_mm_loadu_ps(p)}; }
   static Vector4 set1(float x) { return {_mm_set1_ps(x)}; }
-  void store(float *p) const { _mm_storeu_ps(p, v); }
+  void store(float* p) const { _mm_storeu_ps(p, v); }
 
-  friend Vector4 operator+(Vector4 a, Vector4 b) {
-    return {_mm_add_ps(a.v, b.v)};
-  }
-  friend Vector4 operator-(Vector4 a, Vector4 b) {
-    return {_mm_sub_ps(a.v, b.v)};
-  }
-  friend Vector4 operator*(Vector4 a, Vector4 b) {
-    return {_mm_mul_ps(a.v, b.v)};
-  }
+  friend Vector4 operator+(Vector4 a, Vector4 b) { return {_mm_add_ps(a.v, b.v)}; }
+  friend Vector4 operator-(Vector4 a, Vector4 b) { return {_mm_sub_ps(a.v, b.v)}; }
+  friend Vector4 operator*(Vector4 a, Vector4 b) { return {_mm_mul_ps(a.v, b.v)}; }
 #ifdef __FMA__
-  static Vector4 fma(Vector4 a, Vector4 b, Vector4 c) {
-    return {_mm_fmadd_ps(a.v, b.v, c.v)};
-  }
-  static Vector4 fms(Vector4 a, Vector4 b, Vector4 c) {
-    return {_mm_fmsub_ps(a.v, b.v, c.v)};
-  }
-  static Vector4 fnma(Vector4 a, Vector4 b, Vector4 c) {
-    return {_mm_fnmadd_ps(a.v, b.v, c.v)};
-  }
+  static Vector4 fma(Vector4 a, Vector4 b, Vector4 c) { return {_mm_fmadd_ps(a.v, b.v, c.v)}; }
+  static Vector4 fms(Vector4 a, Vector4 b, Vector4 c) { return {_mm_fmsub_ps(a.v, b.v, c.v)}; }
+  static Vector4 fnma(Vector4 a, Vector4 b, Vector4 c) { return {_mm_fnmadd_ps(a.v, b.v, c.v)}; }
 #else
   static Vector4 fma(Vector4 a, Vector4 b, Vector4 c) { return a * b + c; }
   static Vector4 fms(Vector4 a, Vector4 b, Vector4 c) { return a * b - c; }
   static Vector4 fnma(Vector4 a, Vector4 b, Vector4 c) { return c - a * b; }
 #endif
 
-  Vector4 reversed() const {
-    return {_mm_shuffle_ps(v, v, _MM_SHUFFLE(0, 1, 2, 3))};
-  }
-  static Cx<Vector4> load_pairs(const float *p) {
+  Vector4 reversed() const { return {_mm_shuffle_ps(v, v, _MM_SHUFFLE(0, 1, 2, 3))}; }
+  static Cx<Vector4> load_pairs(const float* p) {
     const __m128 a = _mm_loadu_ps(p), b = _mm_loadu_ps(p + 4);
     return {{_mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0))},
             {_mm_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1))}};
   }
-  static void store_pairs(float *p, Cx<Vector4> x) {
+  static void store_pairs(float* p, Cx<Vector4> x) {
     _mm_storeu_ps(p, _mm_unpacklo_ps(x.re.v, x.im.v));
     _mm_storeu_ps(p + 4, _mm_unpackhi_ps(x.re.v, x.im.v));
   }
@@ -57,7 +43,7 @@ struct Vector4 {
   // Rows of R floats are stored in ascending order, in groups of four: what a
   // group writes past its row is overwritten by the next one.
   template <int R>
-  [[gnu::always_inline]] static void store_rows(float *y, const Vector4 *x) {
+  [[gnu::always_inline]] static void store_rows(float* y, const Vector4* x) {
     if constexpr (R == 2) {
       store_pairs(y, {x[0], x[1]});
     } else {
@@ -71,11 +57,10 @@ struct Vector4 {
         _MM_TRANSPOSE4_PS(row[g][0], row[g][1], row[g][2], row[g][3]);
       });
       unrolled<4>([&](auto lane) {
-        unrolled<groups>(
-            [&](auto g) { _mm_storeu_ps(y + R * lane + 4 * g, row[g][lane]); });
+        unrolled<groups>([&](auto g) { _mm_storeu_ps(y + R * lane + 4 * g, row[g][lane]); });
       });
     }
   }
 };
 
-} // namespace
+}  // namespace
