@@ -39,7 +39,7 @@ LICE_pixel MixPixel(LICE_pixel d, LICE_pixel s, int a, int mode, bool of_blit) {
   };
   int alpha = mix(LICE_GETA);
   if (use_alpha && op == LICE_BLIT_MODE_COPY) {
-    alpha = std::min(LICE_GETA(d) + (a == 256 ? sa : weight), 255);
+    alpha = std::clamp(LICE_GETA(d) + (a == 256 ? sa : weight), 0, 255);
   }
   return LICE_RGBA(mix(LICE_GETR), mix(LICE_GETG), mix(LICE_GETB), alpha);
 }
