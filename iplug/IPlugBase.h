@@ -133,6 +133,8 @@ class IPlugBase {
   const char* GetOutputLabel(int idx) const;
   void SetInputBusLabel(int idx, const char* label);
   void SetOutputBusLabel(int idx, const char* label);
+  const char* GetInputBusLabel(int idx) const;
+  const char* GetOutputBusLabel(int idx) const;
 
   // State. Both take the lock. A chunk that ends early stores 0, clamped, in the first parameter it
   // has no data for, leaves the rest, announces all and returns -1.

@@ -67,6 +67,11 @@ void SetBusLabel(PointerList<HeapString>& labels, int idx, const char* label) {
   }
 }
 
+const char* BusLabel(const PointerList<HeapString>& labels, int idx) {
+  const HeapString* label = labels.Get(idx);
+  return label ? label->Get() : "";
+}
+
 }  // namespace
 
 void IPlugBase::ParseChannelIO(const char* channelIOStr, int* maxIn, int* maxOut) {
@@ -122,6 +127,9 @@ void IPlugBase::SetInputBusLabel(int idx, const char* label) {
 void IPlugBase::SetOutputBusLabel(int idx, const char* label) {
   if (idx >= 0) SetBusLabel(mOutputBusLabels, idx, label);
 }
+
+const char* IPlugBase::GetInputBusLabel(int idx) const { return BusLabel(mInputBusLabels, idx); }
+const char* IPlugBase::GetOutputBusLabel(int idx) const { return BusLabel(mOutputBusLabels, idx); }
 
 void IPlugBase::SetBlockSize(int blockSize) {
   assert(blockSize >= 0);

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "iplug/Containers.h"
-#include "iplug/NChanDelay.h"
 #include "iplug/PlugLock.h"
 
 namespace {
@@ -28,14 +27,6 @@ TEST(HeapBuffer, ContentsSurviveEveryResize) {
     }
     EXPECT_EQ(buffer.Resize(0), nullptr);
   }
-}
-
-TEST(HeapBuffer, ShrinkingStaysInPlaceUnlessAskedToGiveMemoryBack) {
-  HeapBuffer buffer(16);
-  void* data = buffer.Resize(100000);
-  EXPECT_EQ(buffer.Resize(10, false), data);
-  EXPECT_EQ(buffer.Resize(100000, false), data);
-  EXPECT_EQ(buffer.Resize(80000), data) << "more than half is kept";
 }
 
 TEST(HeapBuffer, ImpossibleSizesLeaveTheOldContents) {
@@ -134,47 +125,6 @@ TEST(PlugLock, RetakesAsDeepAsItWas) {
   EXPECT_TRUE(lock.IsMine());
   lock.Release();
   EXPECT_FALSE(lock.IsMine());
-}
-
-TEST(PlugLock, CountsRightUnderContention) {
-  PlugLock lock;
-  long counter = 0;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 5000; ++i) {
-        const PlugLock::Guard outer(lock);
-        ++counter;
-        const PlugLock::Guard inner(lock);
-        if (i % 64 == 0) PlugLock::Pause pause(lock);
-        ++counter;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(counter, 40000);
-}
-
-TEST(NChanDelay, HoldsEachChannelBackAndSilencesTheRest) {
-  NChanDelay delay(2, 3);
-  delay.SetDelayTime(3);
-  double left[5] = {1, 2, 3, 4, 5};
-  double right[5] = {10, 20, 30, 40, 50};
-  double third[5] = {9, 9, 9, 9, 9};
-  double* channels[3] = {left, right, third};
-  delay.ProcessBlock(channels, channels, 5);
-  EXPECT_EQ(std::vector<double>(left, left + 5), (std::vector<double>{0, 0, 0, 1, 2}));
-  EXPECT_EQ(std::vector<double>(right, right + 5), (std::vector<double>{0, 0, 0, 10, 20}));
-  EXPECT_EQ(third[4], 0.0);
-  delay.ProcessBlock(channels, channels, 1);
-  EXPECT_EQ(left[0], 3.0);
-  delay.Clear();
-  delay.ProcessBlock(channels, channels, 3);
-  EXPECT_EQ(left[2], 0.0);
-  delay.SetDelayTime(0);
-  left[0] = 7;
-  delay.ProcessBlock(channels, channels, 1);
-  EXPECT_EQ(left[0], 7.0);
 }
 
 }  // namespace

@@ -27,20 +27,14 @@ TEST(AEffectRecord, TellsTheHostWhatThePlugInIs) {
   EXPECT_EQ(e.initialDelay, 11);
   EXPECT_EQ(e.ioRatio, 1.0F);
   EXPECT_EQ(e.version, 10203);
+  char version[32];
+  rig.plug->GetEffectVersionStr(version);
+  EXPECT_STREQ(version, "v1.2.3");
   EXPECT_EQ(e.resvd2, 0);
   EXPECT_EQ(e.user, nullptr);
   options.chunks = options.instrument = true;
   EXPECT_EQ(Rig(options).effect->flags,
             rig.effect->flags | effFlagsProgramChunks | effFlagsIsSynth);
-}
-
-TEST(AEffectRecord, VersionsReadInDecimalAndAsText) {
-  Rig rig;
-  char text[32];
-  rig.plug->GetEffectVersionStr(text);
-  EXPECT_STREQ(text, "v1.2.3");
-  EXPECT_EQ(rig.plug->GetEffectVersion(false), 0x00010203);
-  EXPECT_STREQ(rig.plug->GetAPIStr(), "VST2");
 }
 
 TEST(Construction, HappensUnderOneLockAndNeverThrows) {
@@ -158,6 +152,12 @@ TEST(Dispatcher, TextsOfParametersAndOfThePlugIn) {
   EXPECT_EQ(rig.Dispatch(effGetEffectName), 0);
   EXPECT_EQ(Text(rig, effVendorSpecific, 7, kTapered, 0.5F), "25");
   EXPECT_EQ(Text(rig, effVendorSpecific, 7, 99), "untouched");
+  char text[64];
+  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 7, 99, text), 0xBEEF);
+  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 7, kMode), 0);
+  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 8, kMode), 0xBEEF) << "it steps";
+  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 8, kLevel), 0);
+  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 9, kMode), 0);
 }
 
 TEST(Dispatcher, ProgramNamesAreKeptShortEnoughForTheHost) {
@@ -174,17 +174,6 @@ TEST(Dispatcher, ProgramNamesAreKeptShortEnoughForTheHost) {
   EXPECT_EQ(rig.Dispatch(effGetProgramNameIndexed, 4, 0, text), 0);
   EXPECT_STREQ(text, "");
   EXPECT_EQ(rig.Dispatch(effGetProgramNameIndexed, 1), 1) << "without a buffer to fill";
-}
-
-TEST(Dispatcher, VendorCallsTellWhichParametersStep) {
-  Rig rig;
-  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 8, kMode), 0xBEEF);
-  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 8, kLevel), 0);
-  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 8, 99), 0);
-  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 9, kMode), 0);
-  char text[64];
-  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 7, 99, text), 0xBEEF);
-  EXPECT_EQ(rig.Dispatch(effVendorSpecific, 7, kMode), 0);
 }
 
 TEST(Dispatcher, CanDo) {

@@ -123,94 +123,73 @@ TEST(HostServices, NoticesCarryTheirParameter) {
 TEST(HostServices, PositionTempoAndMeterAreCheckedForSense) {
   Rig rig;
   VstTimeInfo& time = rig.host.time;
-  time.samplePos = 41.6;
-  EXPECT_EQ(rig.plug->GetSamplePos(), 42);
-  time.samplePos = -1;
-  EXPECT_EQ(rig.plug->GetSamplePos(), 0);
-  time.samplePos = 1e18;
-  EXPECT_EQ(rig.plug->GetSamplePos(), INT_MAX);
+  for (const auto& [pos, told] : {std::pair{41.6, 42}, {-1.0, 0}, {1e18, INT_MAX}}) {
+    time.samplePos = pos;
+    EXPECT_EQ(rig.plug->GetSamplePos(), told);
+  }
+  const auto meter = [&] {
+    int num = 9;
+    int den = 9;
+    rig.plug->GetTimeSig(&num, &den);
+    return num * 10 + den;
+  };
   time.tempo = 120;
+  time.timeSigNumerator = 3;
+  time.timeSigDenominator = 4;
   EXPECT_EQ(rig.plug->GetTempo(), 0.0) << "not valid without its flag";
   EXPECT_EQ(rig.plug->GetSamplesPerBeat(), 0.0);
+  EXPECT_EQ(meter(), 0);
   time.flags = kVstTempoValid | kVstTimeSigValid;
-  EXPECT_EQ(rig.plug->GetTempo(), 120.0);
   EXPECT_EQ(rig.plug->GetSamplesPerBeat(), 22050.0);
   EXPECT_EQ(rig.host.calls.back().value, 1024);
+  EXPECT_EQ(meter(), 34);
   time.tempo = -1;
-  EXPECT_EQ(rig.plug->GetTempo(), 0.0);
-  int num = 9;
-  int den = 9;
-  time.timeSigNumerator = 3;
   time.timeSigDenominator = -4;
-  rig.plug->GetTimeSig(&num, &den);
-  EXPECT_EQ(num, 0);
-  time.timeSigDenominator = 4;
-  rig.plug->GetTimeSig(&num, &den);
-  EXPECT_EQ(num * 10 + den, 34);
+  EXPECT_EQ(rig.plug->GetTempo(), 0.0);
+  EXPECT_EQ(meter(), 0);
   rig.host.answersTime = false;
   EXPECT_EQ(rig.plug->GetSamplePos(), 0);
   EXPECT_EQ(rig.plug->GetTempo(), 0.0);
-  rig.plug->GetTimeSig(&num, &den);
-  EXPECT_EQ(num + den, 0);
+  EXPECT_EQ(meter(), 0);
   rig.host.processLevel = 4;
   EXPECT_TRUE(rig.plug->IsRenderingOffline());
   rig.host.processLevel = 2;
   EXPECT_FALSE(rig.plug->IsRenderingOffline());
 }
 
+// All that GetTime told, in the order of the record.
+std::vector<double> Told(const VstTimeInfo& time, bool answers = true) {
+  Rig rig;
+  rig.host.time = time;
+  rig.host.answersTime = answers;
+  ITimeInfo info{-9, -9, -9, -9, -9, -9, -9, -9, false, false};
+  rig.plug->GetTime(&info);
+  EXPECT_EQ(rig.host.calls.back().value, 15872);
+  return {info.mTempo,
+          info.mSamplePos,
+          info.mPPQPos,
+          info.mLastBar,
+          info.mCycleStart,
+          info.mCycleEnd,
+          double(info.mNumerator),
+          double(info.mDenominator),
+          info.mTransportIsRunning * 2.0 + info.mTransportLoopEnabled};
+}
+
 TEST(HostServices, TimeTakesOnlyWhatTheHostTellsAsValid) {
-  static constexpr int kAll = 15872;
-  VstTimeInfo good{};
-  good.samplePos = 1000;
-  good.ppqPos = 8;
-  good.tempo = 90;
-  good.barStartPos = 4;
-  good.cycleStartPos = 1;
-  good.cycleEndPos = 2;
-  good.timeSigNumerator = 7;
-  good.timeSigDenominator = 8;
-  const auto read = [](const VstTimeInfo& time, bool answers = true) {
-    Rig rig;
-    rig.host.time = time;
-    rig.host.answersTime = answers;
-    ITimeInfo info;
-    rig.plug->GetTime(&info);
-    EXPECT_EQ(rig.host.calls.back().value, kAll);
-    return info;
-  };
-  good.flags = kAll | kVstTransportPlaying | kVstTransportCycleActive;
-  const ITimeInfo all = read(good);
-  EXPECT_EQ(all.mSamplePos, 1000);
-  EXPECT_EQ(all.mPPQPos, 8);
-  EXPECT_EQ(all.mTempo, 90);
-  EXPECT_EQ(all.mLastBar, 4);
-  EXPECT_EQ(all.mCycleStart, 1);
-  EXPECT_EQ(all.mCycleEnd, 2);
-  EXPECT_EQ(all.mNumerator, 7);
-  EXPECT_EQ(all.mDenominator, 8);
-  EXPECT_TRUE(all.mTransportIsRunning && all.mTransportLoopEnabled);
-
-  EXPECT_EQ(read(good, false).mSamplePos, ITimeInfo().mSamplePos);
-  good.flags = kVstTransportPlaying;
-  EXPECT_FALSE(read(good).mTransportIsRunning) << "without any of the five nothing changes";
-  good.flags = kVstTempoValid;
-  EXPECT_EQ(read(good).mTempo, 90);
-  EXPECT_EQ(read(good).mPPQPos, ITimeInfo().mPPQPos);
-
-  VstTimeInfo bad = good;
-  bad.flags = kAll;
-  bad.ppqPos = bad.barStartPos = -1;
-  bad.tempo = 0;
-  bad.cycleEndPos = -1;
-  bad.timeSigDenominator = 0;
-  const ITimeInfo none = read(bad);
-  const ITimeInfo fresh;
-  EXPECT_EQ(none.mSamplePos, 1000);
-  EXPECT_EQ(none.mPPQPos, fresh.mPPQPos);
-  EXPECT_EQ(none.mTempo, fresh.mTempo);
-  EXPECT_EQ(none.mLastBar, fresh.mLastBar);
-  EXPECT_EQ(none.mCycleStart, fresh.mCycleStart);
-  EXPECT_EQ(none.mNumerator, fresh.mNumerator);
+  using Values = std::vector<double>;
+  const Values untouched = {-9, -9, -9, -9, -9, -9, -9, -9, 0};
+  constexpr int kAll = 15872;
+  constexpr int kTransport = kVstTransportPlaying | kVstTransportCycleActive;
+  VstTimeInfo time{1000, 0, 0, 8, 90, 4, 1, 2, 7, 8, 0, 0, 0, kAll | kTransport};
+  EXPECT_EQ(Told(time), (Values{90, 1000, 8, 4, 1, 2, 7, 8, 3}));
+  EXPECT_EQ(Told(time, false), untouched);
+  time.flags = kTransport;
+  EXPECT_EQ(Told(time), untouched) << "without any of the five nothing changes";
+  time.flags = kVstTempoValid | kVstTransportPlaying;
+  EXPECT_EQ(Told(time), (Values{90, 1000, -9, -9, -9, -9, -9, -9, 2}));
+  const VstTimeInfo senseless{1000, 0, 0, -1, 0, -1, 1, -1, 7, 0, 0, 0, 0, kAll};
+  EXPECT_EQ(Told(senseless), (Values{-9, 1000, -9, -9, -9, -9, -9, -9, 0}));
 }
 
 TEST(HostServices, EventsGoOutInTheHostsRecords) {

@@ -1,7 +1,6 @@
 // Ranges, tapers and texts of parameters.
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -154,19 +153,6 @@ TEST(IParam, LongTextIsCutWithItsEndMark) {
   EXPECT_EQ(param.GetParamGroupForHost(), cut);
   EXPECT_EQ(Display(param, 7.0), cut);
   EXPECT_EQ(Display(param, 1e300).size(), 31U);
-}
-
-TEST(Numbers, TextIsTheSameInEveryLocale) {
-  const char* names[] = {"C", "de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"};
-  for (const char* name : names) {
-    if (!std::setlocale(LC_ALL, name)) continue;
-    char text[32];
-    FixedText(text, sizeof text, -1234.5675, 3);
-    EXPECT_STREQ(text, "-1234.568") << name;
-    EXPECT_EQ(NumberFromText("1.5"), 1.5) << name;
-    EXPECT_EQ(NumberFromText("1,5"), 1.0) << name;
-  }
-  std::setlocale(LC_ALL, "C");
 }
 
 TEST(Numbers, ReadingIsAsLenientAsTheLibrarysOwn) {

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 #include "TestPlug.h"
 #include "iplug/FileBytes.h"
@@ -34,22 +34,17 @@ struct Hand {
     bytes.insert(bytes.end(), more.begin(), more.end());
     return *this;
   }
+  Hand& Head(std::uint32_t byteSize, const char* magic, std::uint32_t version) {
+    return Text("CcnK").Int(byteSize).Text(magic).Int(version).Text("Test").Int(10203);
+  }
   // A regular program of the test plug-in.
   Hand& Program(const std::string& name, const std::vector<double>& normalised) {
-    Text("CcnK").Int(0).Text("FxCk").Int(1).Text("Test").Int(10203).Int(6).Name(name);
+    Head(0, "FxCk", 1).Int(6).Name(name);
     for (const double v : normalised) Float(v);
     return *this;
   }
   Hand& BankHead(std::uint32_t programs, std::uint32_t current) {
-    return Text("CcnK")
-        .Int(0)
-        .Text("FxBk")
-        .Int(2)
-        .Text("Test")
-        .Int(10203)
-        .Int(programs)
-        .Int(current)
-        .Zeros(124);
+    return Head(0, "FxBk", 2).Int(programs).Int(current).Zeros(124);
   }
   Bytes bytes;
 };
@@ -105,32 +100,17 @@ TEST(PresetFiles, ChunkFormsHoldTheHostChunks) {
   rig.plug->MakeDefaultPreset("Init");
   const Bytes preset = rig.GetChunk(true);
   const Bytes bank = rig.GetChunk(false);
-  const auto size = [](const Bytes& b) { return static_cast<std::uint32_t>(b.size()); };
-  EXPECT_EQ(rig.plug->ProgramFileBytes(), Hand()
-                                              .Text("CcnK")
-                                              .Int(size(preset) + 60)
-                                              .Text("FPCh")
-                                              .Int(1)
-                                              .Text("Test")
-                                              .Int(10203)
-                                              .Int(6)
-                                              .Name("Init")
-                                              .Int(size(preset))
-                                              .Add(preset)
-                                              .bytes);
-  EXPECT_EQ(rig.plug->BankFileBytes(), Hand()
-                                           .Text("CcnK")
-                                           .Int(size(bank) + 160)
-                                           .Text("FBCh")
-                                           .Int(2)
-                                           .Text("Test")
-                                           .Int(10203)
-                                           .Int(4)
-                                           .Int(0)
-                                           .Zeros(124)
-                                           .Int(size(bank))
-                                           .Add(bank)
-                                           .bytes);
+  const auto n = static_cast<std::uint32_t>(preset.size());
+  const auto m = static_cast<std::uint32_t>(bank.size());
+  Hand fxp = Hand().Head(n + 60, "FPCh", 1).Int(6).Name("Init").Int(n).Add(preset);
+  EXPECT_EQ(rig.plug->ProgramFileBytes(), fxp.bytes);
+  Hand fxb = Hand().Head(m + 160, "FBCh", 2).Int(4).Int(0).Zeros(124).Int(m).Add(bank);
+  EXPECT_EQ(rig.plug->BankFileBytes(), fxb.bytes);
+  Rig to(Chunks());
+  fxp.bytes.erase(fxp.bytes.begin() + 60, fxp.bytes.begin() + 68);
+  to.plug->GetParam(kLevel)->Set(9);
+  EXPECT_TRUE(ReadProgram(to, fxp.bytes)) << "also without its header";
+  EXPECT_EQ(to.Values(), rig.Values());
 }
 
 class BothForms : public testing::TestWithParam<bool> {
@@ -181,16 +161,6 @@ TEST(PresetFiles, OnlyAPlugInWithChunksReadsTheChunkForm) {
   EXPECT_FALSE(ReadBank(without, with.plug->BankFileBytes()));
   EXPECT_TRUE(ReadProgram(with, without.plug->ProgramFileBytes()));
   EXPECT_TRUE(ReadBank(with, without.plug->BankFileBytes()));
-}
-
-TEST(PresetFiles, AChunkWithoutItsHeaderIsRead) {
-  Rig rig(Chunks());
-  rig.SetValues(kValues);
-  Bytes bytes = rig.plug->ProgramFileBytes();
-  bytes.erase(bytes.begin() + 60, bytes.begin() + 68);
-  Rig to(Chunks());
-  EXPECT_TRUE(ReadProgram(to, bytes));
-  EXPECT_EQ(to.Values(), kValues);
 }
 
 TEST(PresetFiles, ADamagedHeaderIsNamedAndChangesNothing) {
@@ -253,38 +223,26 @@ TEST(PresetFiles, ValuesOutOfRangeInAFileAreClamped) {
     rig.plug->MakeEmptyPresets();
     const Hand bank = Hand().BankHead(1, 7).Program("x", std::vector<double>(6, bad));
     EXPECT_TRUE(ReadBank(rig, bank.bytes));
-    for (int i = 0; i < kNumTestParams; ++i) {
-      double lo = 0;
-      double hi = 0;
-      rig.plug->GetParam(i)->GetBounds(&lo, &hi);
-      const double value = rig.plug->GetParam(i)->Value();
-      EXPECT_TRUE(value >= lo && value <= hi) << bad << " gives " << value;
-    }
+    EXPECT_TRUE(rig.InRange()) << bad;
   }
 }
 
-TEST(PresetFiles, ABankKeepsWhatCameBeforeItsDamagedProgram) {
-  Rig rig;
-  rig.plug->MakeEmptyPresets();
-  const Hand bank = Hand().BankHead(3, 2).Program("first", kNormalised).Program("second", {});
-  EXPECT_FALSE(ReadBank(rig, bank.bytes));
-  EXPECT_STREQ(rig.plug->GetPresetName(0), "first");
-  EXPECT_EQ(rig.host.Count(audioMasterUpdateDisplay), 0);
-}
-
-TEST(PresetFiles, ProgramsBeyondTheSlotsLandInTheLastOne) {
+TEST(PresetFiles, ABankStoresProgramByProgram) {
   PlugOptions options;
   options.presets = 2;
   Rig rig(options);
   rig.plug->MakeEmptyPresets();
-  const std::vector<double> zero(6, 0.0);
-  const Hand bank =
-      Hand().BankHead(3, 0).Program("one", zero).Program("two", zero).Program("three", kNormalised);
+  Hand bank = Hand().BankHead(3, 0).Program("one", kNormalised).Program("two", {});
+  EXPECT_FALSE(ReadBank(rig, bank.bytes)) << "the third is missing";
+  EXPECT_STREQ(rig.plug->GetPresetName(0), "one") << "what came before it stays";
+  EXPECT_EQ(rig.host.Count(audioMasterUpdateDisplay), 0);
+  bank = Hand().BankHead(3, 0).Program("one", kNormalised);
+  bank.Program("two", kNormalised).Program("three", std::vector<double>(6, 0.0));
   EXPECT_TRUE(ReadBank(rig, bank.bytes));
-  EXPECT_STREQ(rig.plug->GetPresetName(0), "one");
-  EXPECT_STREQ(rig.plug->GetPresetName(1), "three");
-  rig.plug->RestorePreset(1);
+  EXPECT_STREQ(rig.plug->GetPresetName(1), "three") << "programs beyond the slots end in the last";
   EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 5.0);
+  rig.plug->RestorePreset(1);
+  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 0.0);
 }
 
 TEST(PresetFiles, ABankOfAlmostNothingRestoresTheCurrentPreset) {
@@ -297,33 +255,6 @@ TEST(PresetFiles, ABankOfAlmostNothingRestoresTheCurrentPreset) {
   EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.5);
   EXPECT_FALSE(ReadBank(rig, {'C', 'c', 'n', 'K'}));
   EXPECT_FALSE(ReadBank(rig, {'x', 'x', 'x', 'x', 'x'}));
-}
-
-TEST(PresetFiles, MutatedFilesStayWithinTheRanges) {
-  const unsigned seed = 77;
-  std::mt19937 random(seed);
-  for (const bool chunks : {false, true}) {
-    Rig rig(chunks ? Chunks() : PlugOptions{});
-    rig.plug->MakeEmptyPresets();
-    rig.plug->noting = false;
-    const Bytes files[] = {rig.plug->ProgramFileBytes(), rig.plug->BankFileBytes()};
-    for (int round = 0; round < 2000; ++round) {
-      Bytes bytes = files[round % 2];
-      for (unsigned i = 0; i <= random() % 6; ++i) {
-        bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
-      }
-      if (random() % 4 == 0) bytes.resize(random() % bytes.size());
-      bytes.shrink_to_fit();
-      round % 2 ? ReadBank(rig, bytes) : ReadProgram(rig, bytes);
-      for (int i = 0; i < kNumTestParams; ++i) {
-        double lo = 0;
-        double hi = 0;
-        rig.plug->GetParam(i)->GetBounds(&lo, &hi);
-        const double value = rig.plug->GetParam(i)->Value();
-        ASSERT_TRUE(value >= lo && value <= hi) << "seed " << seed << " round " << round;
-      }
-    }
-  }
 }
 
 TEST(Files, AFileThatCannotBeCreatedLeavesNothingBehind) {

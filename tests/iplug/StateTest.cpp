@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -43,16 +42,6 @@ Bytes BankEntry(const std::string& name, bool initialised, const Bytes& state) {
   bytes.insert(bytes.end(), name.begin(), name.end());
   bytes.push_back(initialised);
   return initialised ? bytes + state : bytes;
-}
-
-void ExpectInRange(const Rig& rig) {
-  for (int i = 0; i < kNumTestParams; ++i) {
-    double lo = 0;
-    double hi = 0;
-    rig.plug->GetParam(i)->GetBounds(&lo, &hi);
-    const double value = rig.plug->GetParam(i)->Value();
-    ASSERT_TRUE(value >= lo && value <= hi) << "parameter " << i << " is " << value;
-  }
 }
 
 TEST(ByteChunk, ReadsThatDoNotFitLeaveTheirTarget) {
@@ -201,17 +190,6 @@ TEST(Bank, ARoundTripGivesTheSameNamesAndValues) {
   EXPECT_EQ(to.GetChunk(false), bank);
 }
 
-TEST(Bank, PresetsAreStoredInThePresentForm) {
-  Rig rig;
-  // The last of the four ends early: its chunk comes out with all parameters and in range.
-  Bytes bank = kHeader;
-  for (int i = 0; i < 4; ++i) bank = bank + BankEntry("p", true, State({99, 99, 99, 99, 999, 99}));
-  EXPECT_EQ(rig.SetChunk(bank, false), 1);
-  EXPECT_EQ(rig.plug->Preset(3)->mChunk.Size(), static_cast<int>(kStateSize));
-  rig.Dispatch(effSetProgram, 0, 3);
-  EXPECT_EQ(rig.Values(), (std::vector<double>{10, 3, 1, 2, 100, -0.5}));
-}
-
 TEST(Bank, APresetWithoutNameTakesTheNameBefore) {
   Rig rig;
   const Bytes state = State(kValues);
@@ -258,7 +236,7 @@ TEST(Bank, EveryTruncatedLengthIsRefusedWithoutLeavingTheRange) {
     rig.plug->MakeEmptyPresets();
     const Bytes cut(bank.begin(), bank.begin() + static_cast<std::ptrdiff_t>(size));
     EXPECT_EQ(rig.SetChunk(cut, false), 0) << size;
-    ExpectInRange(rig);
+    EXPECT_TRUE(rig.InRange()) << size;
   }
   Rig rig;
   EXPECT_EQ(rig.SetChunk(bank, false), 1);
@@ -295,26 +273,6 @@ TEST(Bank, AHostMayHandBackTheVeryBufferItGot) {
   EXPECT_EQ(rig.Dispatch(effSetChunk, 0, size, data), 1);
   const VstIntPtr again = rig.Dispatch(effGetChunk, 0, 0, &data);
   EXPECT_EQ(rig.Dispatch(effSetChunk, 0, again / 2, data), 0);
-}
-
-TEST(Bank, MutatedChunksNeverLeaveTheRange) {
-  const unsigned seed = 20240607;
-  std::mt19937 random(seed);
-  Rig source;
-  source.plug->MakeEmptyPresets();
-  const Bytes banks[] = {source.GetChunk(false), source.GetChunk(true)};
-  Rig rig;
-  rig.plug->noting = false;
-  for (int round = 0; round < 3000; ++round) {
-    Bytes bytes = banks[round % 2];
-    for (unsigned i = 0; i <= random() % 8; ++i) {
-      bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
-    }
-    if (random() % 4 == 0) bytes.resize(random() % bytes.size());
-    rig.SetChunk(bytes, round % 2 == 1);
-    SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
-    ExpectInRange(rig);
-  }
 }
 
 }  // namespace

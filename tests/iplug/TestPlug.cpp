@@ -1,8 +1,6 @@
 // The plug-in and the host of the framework's tests.
 #include "TestPlug.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -119,6 +117,18 @@ void Rig::SetValues(const std::vector<double>& values) {
   for (int i = 0; i < plug->NParams(); ++i) {
     plug->GetParam(i)->Set(values[static_cast<std::size_t>(i)]);
   }
+}
+
+testing::AssertionResult Rig::InRange() const {
+  for (int i = 0; i < plug->NParams(); ++i) {
+    double lo = 0;
+    double hi = 0;
+    plug->GetParam(i)->GetBounds(&lo, &hi);
+    const double value = plug->GetParam(i)->Value();
+    if (value >= lo && value <= hi) continue;
+    return testing::AssertionFailure() << "parameter " << i << " is " << value;
+  }
+  return testing::AssertionSuccess();
 }
 
 void* FakeEditor::OpenWindow(void* parent) {

@@ -1,6 +1,8 @@
 // A small plug-in and a host made of answers, for tests of the framework.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -107,6 +109,7 @@ struct Rig {
   std::vector<std::uint8_t> GetChunk(bool isPreset);
   std::vector<double> Values() const;
   void SetValues(const std::vector<double>& values);
+  testing::AssertionResult InRange() const;  // every parameter
 
   FakeHost host;
   std::unique_ptr<TestPlug> plug;
