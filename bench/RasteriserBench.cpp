@@ -52,22 +52,6 @@ BENCHMARK(AdditiveLines)
     ->Arg(0)
     ->Unit(benchmark::kMillisecond);
 
-void AdditivePolyLine(benchmark::State& state) {
-  LICE_SysBitmap canvas(kWidth, kHeight);
-  const Wave wave = MakeWave(static_cast<double>(state.range(0)));
-  for (auto _ : state) {
-    LICE_PolyLine(&canvas, wave.x.data(), wave.y.data(), kSegments, kWaveColor, 1.0f, kWaveMode);
-    benchmark::DoNotOptimize(*canvas.getBits());
-  }
-  state.SetItemsProcessed(state.iterations() * kSegments);
-}
-BENCHMARK(AdditivePolyLine)
-    ->ArgName("decay_dB")
-    ->Arg(60)
-    ->Arg(20)
-    ->Arg(0)
-    ->Unit(benchmark::kMillisecond);
-
 void FullCanvasBlit(benchmark::State& state) {
   LICE_SysBitmap canvas(kWidth, kHeight);
   LICE_MemBitmap picture(kWidth, kHeight);

@@ -41,12 +41,6 @@ LICE_pixel LICE_GetPixel(const LICE_IBitmap* src, int x, int y);
 void LICE_Line(LICE_IBitmap* dest, float x1, float y1, float x2, float y2, LICE_pixel color,
                float alpha = 1.0f, int mode = LICE_BLIT_MODE_COPY, bool antiAlias = true);
 
-// The n - 1 lines between successive points, each as LICE_Line paints it without antiAlias: where
-// two lines meet, or cross, both are painted. The additive mode takes long runs of short lines
-// faster than one by one.
-void LICE_PolyLine(LICE_IBitmap* dest, const float* x, const float* y, int n, LICE_pixel color,
-                   float alpha = 1.0f, int mode = LICE_BLIT_MODE_COPY);
-
 void LICE_Circle(LICE_IBitmap* dest, float cx, float cy, float r, LICE_pixel color,
                  float alpha = 1.0f, int mode = LICE_BLIT_MODE_COPY, bool antiAlias = true);
 

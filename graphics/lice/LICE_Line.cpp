@@ -1,9 +1,7 @@
 // Straight lines.
 #include <cmath>
 #include <cstdint>
-#include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "graphics/lice/LICE_Draw.h"
 #include "graphics/lice/LICE_Pen.h"
@@ -188,66 +186,6 @@ bool WithinReach(float x, float y) {
   return std::abs(x) <= kLimit && std::abs(y) <= kLimit;
 }
 
-// Counts the lines over each pixel of one column, until the column is left and painted.
-class ColumnCount {
- public:
-  explicit ColumnCount(const LICE_Surface& surface)
-      : mSurface(surface), mChange(static_cast<std::size_t>(surface.h) + 1), mTop(surface.h) {}
-
-  void Add(int x, int y1, int y2, LICE_pixel sum) {
-    const int top = std::max(std::min(y1, y2), 0);
-    const int bottom = std::min(std::max(y1, y2), mSurface.h - 1);
-    if (x < 0 || x >= mSurface.w || top > bottom) return;
-    if (x != mX) Paint(sum);
-    mX = x;
-    mTop = std::min(mTop, top);
-    mBottom = std::max(mBottom, bottom);
-    ++mChange[static_cast<std::size_t>(top)];
-    --mChange[static_cast<std::size_t>(bottom) + 1];
-  }
-
-  void Paint(LICE_pixel sum) {
-    int count = 0;
-    for (int y = mTop; y <= mBottom; ++y) {
-      count += std::exchange(mChange[static_cast<std::size_t>(y)], 0);
-      LICE_pixel& p = *mSurface.at(mX, y);
-      for (int i = count; i > 0; --i) {
-        const LICE_pixel added = LICE_AddSaturated(p, sum);
-        if (added == p) break;  // saturated: more change nothing
-        p = added;
-      }
-    }
-    if (mTop <= mBottom) mChange[static_cast<std::size_t>(mBottom) + 1] = 0;
-    mTop = mSurface.h;
-    mBottom = -1;
-  }
-
- private:
-  const LICE_Surface& mSurface;
-  std::vector<int> mChange;  // of the count of lines, from the row above
-  int mX = 0;
-  int mTop;  // first and last row counted
-  int mBottom = -1;
-};
-
-// Fast path of additive lines: a sum that saturates doesn't depend on its order, so those within a
-// column are counted and painted at once.
-void AddPolyLine(LICE_IBitmap* dest, const float* x, const float* y, int n, LICE_pixel color,
-                 float alpha, int mode, const LICE_AddPen& pen) {
-  const LICE_Surface s(dest);
-  ColumnCount column(s);
-  for (int i = 1; i < n; ++i) {
-    const bool near = WithinReach(x[i - 1], y[i - 1]) && WithinReach(x[i], y[i]);
-    const int at = near ? RoundDown(x[i]) : 0;
-    if (near && at == RoundDown(x[i - 1])) {
-      column.Add(at, RoundDown(y[i - 1]), RoundDown(y[i]), pen.sum);
-    } else {
-      LICE_Line(dest, x[i - 1], y[i - 1], x[i], y[i], color, alpha, mode, false);
-    }
-  }
-  column.Paint(pen.sum);
-}
-
 }  // namespace
 
 void LICE_Line(LICE_IBitmap* dest, float x1, float y1, float x2, float y2, LICE_pixel color,
@@ -263,18 +201,4 @@ void LICE_Line(LICE_IBitmap* dest, float x1, float y1, float x2, float y2, LICE_
   }
   Segment l{x1, y1, x2, y2};
   if (CutToReach(l)) DrawSlanted(s, l, color, alpha, mode, antiAlias);
-}
-
-void LICE_PolyLine(LICE_IBitmap* dest, const float* x, const float* y, int n, LICE_pixel color,
-                   float alpha, int mode) {
-  if (!LICE_Surface(dest).top) return;
-  LICE_WithPen(color, alpha, mode, [&]<typename Pen>(const Pen& pen) {
-    if constexpr (std::is_same_v<Pen, LICE_AddPen>) {
-      AddPolyLine(dest, x, y, n, color, alpha, mode, pen);
-    } else {
-      for (int i = 1; i < n; ++i) {
-        LICE_Line(dest, x[i - 1], y[i - 1], x[i], y[i], color, alpha, mode, false);
-      }
-    }
-  });
 }
