@@ -10,3 +10,4 @@ void AddPresetsCommand(CLI::App& app);
 void AddSavePresetCommand(CLI::App& app);
 void AddSaveBankCommand(CLI::App& app);
 void AddShowCommand(CLI::App& app);
+void AddScreenshotCommand(CLI::App& app);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr void (*kCommands[])(CLI::App&) = {
     AddRenderCommand,     AddResponseCommand, AddParamsCommand, AddPresetsCommand,
-    AddSavePresetCommand, AddSaveBankCommand, AddShowCommand,
+    AddSavePresetCommand, AddSaveBankCommand, AddShowCommand,   AddScreenshotCommand,
 };
 
 constexpr const char* kAbout =

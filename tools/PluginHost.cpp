@@ -15,8 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using EntryPoint = AEffect* (*)(audioMasterCallback);
-
 constexpr const char* kPluginFile = "Tolmara.so";
 // Effects write more than the interface allows: names of 32 bytes and presets of 256 are common.
 constexpr std::size_t kTextSize = 1024;
@@ -77,6 +75,12 @@ PluginHost::PluginHost(const std::string& path) : mPath(path) {
   }
   const auto entry = reinterpret_cast<EntryPoint>(dlsym(mObject.get(), "VSTPluginMain"));
   Require(entry != nullptr, "is no VST2 plug-in: it exports no VSTPluginMain");
+  Open(entry);
+}
+
+PluginHost::PluginHost(const std::string& name, EntryPoint entry) : mPath(name) { Open(entry); }
+
+void PluginHost::Open(EntryPoint entry) {
   mEffect = entry(&PluginHost::Answer);
   Require(mEffect != nullptr, "refused to make an effect");
   const bool whole = mEffect->magic == kEffectMagic && mEffect->dispatcher != nullptr &&

@@ -11,7 +11,11 @@
 // Every call comes from one thread. The constructor throws Failure (ExitCode::Plugin).
 class PluginHost {
  public:
+  using EntryPoint = AEffect* (*)(audioMasterCallback);
+
   explicit PluginHost(const std::string& path);
+  // An effect whose code is part of this program.
+  PluginHost(const std::string& name, EntryPoint entry);
   ~PluginHost();
   PluginHost(const PluginHost&) = delete;
   PluginHost& operator=(const PluginHost&) = delete;
@@ -30,6 +34,8 @@ class PluginHost {
   int NumOutputs() const { return mEffect->numOutputs; }
   int ReportedDelay() const { return mEffect->initialDelay; }  // samples
   bool KeepsChunks() const { return HasFlag(effFlagsProgramChunks); }
+
+  void* Object() const { return mEffect->object; }  // the effect's own
 
   VstIntPtr Dispatch(std::int32_t opcode, std::int32_t index = 0, VstIntPtr value = 0,
                      void* ptr = nullptr, float opt = 0.0F);
@@ -63,6 +69,7 @@ class PluginHost {
 
   static VstIntPtr Answer(AEffect* effect, std::int32_t opcode, std::int32_t index, VstIntPtr value,
                           void* ptr, float opt);
+  void Open(EntryPoint entry);
   bool HasFlag(std::int32_t flag) const { return (mEffect->flags & flag) != 0; }
   void Require(bool condition, const std::string& lack) const;
   void ProcessAsFloat(double** inputs, double** outputs, int frames);

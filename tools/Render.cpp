@@ -18,13 +18,10 @@ constexpr double kTailFloor = 3.16227766e-5;  // -90 dB
 
 struct RenderOptions {
   Settings settings;
+  SoundOptions sound;
   std::string input;
-  std::string output;
-  std::string depth;
   std::string tail = "auto";
-  int block = 512;
   int delay = -1;  // frames, -1 to measure
-  bool quiet = false;
 };
 
 bool HasAutoTail(const RenderOptions& options) { return options.tail == "auto"; }
@@ -99,18 +96,18 @@ void Report(const SoundWriter& writer, Progress& progress, int rate) {
 
 void Render(const RenderOptions& options) {
   SoundReader reader(options.input);
-  RequireOtherFile(options.input, options.output);
-  const int format = ChooseFormat(reader.Format(), options.output, options.depth, reader.Channels(),
-                                  reader.Rate());
-  SoundWriter writer(options.output, format, reader.Channels(), reader.Rate());
+  RequireOtherFile(options.input, options.sound.output);
+  const int format = ChooseFormat(reader.Format(), options.sound.output, options.sound.depth,
+                                  reader.Channels(), reader.Rate());
+  SoundWriter writer(options.sound.output, format, reader.Channels(), reader.Rate());
   writer.RequireRoom(reader.Frames());
   const std::unique_ptr<PluginHost> host = OpenPlugin(options.settings);
-  BlockRunner runner(*host, reader.Channels(), reader.Rate(), options.block);
+  BlockRunner runner(*host, reader.Channels(), reader.Rate(), options.sound.block);
   const int delay = options.delay >= 0 ? options.delay : runner.MeasureDelay();
   ApplySettings(*host, options.settings);
   runner.Settle();
 
-  Progress progress(options.output, options.quiet);
+  Progress progress(options.sound.output, options.sound.quiet);
   Rendering rendering(options, reader, writer, runner, delay);
   rendering.Run(progress);
   writer.Finish();
@@ -138,21 +135,14 @@ void AddRenderCommand(CLI::App& app) {
   auto options = std::make_shared<RenderOptions>();
   CLI::App* const command = app.add_subcommand("render", "Reverberate a sound file");
   command->add_option("IN", options->input, "the sound file to read")->required();
-  command->add_option("OUT", options->output, "the sound file to write")->required();
+  AddSoundOptions(*command, options->sound, "that of IN");
   AddSettingsOptions(*command, options->settings);
-  command->add_option("--depth", options->depth, "16, 24, 32, float or double; else that of IN")
-      ->check(CLI::IsMember({"16", "24", "32", "float", "double"}))
-      ->type_name("DEPTH");
   command->add_option("--tail", options->tail, "seconds after the end of IN, or until -90 dB: auto")
       ->check(CheckTail)
       ->type_name("SECONDS|auto");
-  command->add_option("--block", options->block, "announced block, in frames (512)")
-      ->check(CLI::Range(16, 16384))
-      ->type_name("N");
   command->add_option("--delay", options->delay, "frames to take out; else measured")
       ->check(CLI::Range(0, 10000000))
       ->type_name("FRAMES");
-  command->add_flag("--quiet", options->quiet, "no progress and no closing line");
   command->footer(kExamples);
   command->callback([options] { Render(*options); });
 }

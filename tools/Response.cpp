@@ -16,11 +16,8 @@ constexpr double kResponseFloor = 1e-7;  // -140 dB, the noise of single-precisi
 
 struct ResponseOptions {
   Settings settings;
-  std::string output;
-  std::string depth;
+  SoundOptions sound;
   int rate = 44100;  // Hz
-  int block = 512;
-  bool quiet = false;
 };
 
 // A response is what happens between dry and wet: what an effect does besides, under one of these
@@ -58,17 +55,17 @@ void WriteImpulseAnswer(BlockRunner& runner, TailTrimmer& trimmer, int rate) {
 }
 
 void WriteResponse(const ResponseOptions& options) {
-  const int format =
-      ChooseFormat(SF_FORMAT_WAV | SF_FORMAT_FLOAT, options.output, options.depth, 1, options.rate);
-  SoundWriter writer(options.output, format, 1, options.rate);
+  const int format = ChooseFormat(SF_FORMAT_WAV | SF_FORMAT_FLOAT, options.sound.output,
+                                  options.sound.depth, 1, options.rate);
+  SoundWriter writer(options.sound.output, format, 1, options.rate);
   const std::unique_ptr<PluginHost> host = OpenPlugin(options.settings);
-  BlockRunner runner(*host, 1, options.rate, options.block);
+  BlockRunner runner(*host, 1, options.rate, options.sound.block);
   const int delay = runner.MeasureDelay();
   ApplySettings(*host, options.settings);
   PutStagesAside(*host);
   runner.Settle();
 
-  Progress progress(options.output, options.quiet);
+  Progress progress(options.sound.output, options.sound.quiet);
   const std::int64_t patience = std::llround(kPatienceSeconds * options.rate);
   TailTrimmer trimmer(writer, 1, delay, kResponseFloor, patience);
   WriteImpulseAnswer(runner, trimmer, options.rate);
@@ -98,18 +95,11 @@ constexpr const char* kExamples =
 void AddResponseCommand(CLI::App& app) {
   auto options = std::make_shared<ResponseOptions>();
   CLI::App* const command = app.add_subcommand("response", "Write the impulse response");
-  command->add_option("OUT", options->output, "the sound file to write")->required();
+  AddSoundOptions(*command, options->sound, "float");
   AddSettingsOptions(*command, options->settings);
   command->add_option("--rate", options->rate, "sample rate, in Hz (44100)")
       ->check(CLI::Range(1000, 768000))
       ->type_name("HZ");
-  command->add_option("--depth", options->depth, "16, 24, 32, float or double (float)")
-      ->check(CLI::IsMember({"16", "24", "32", "float", "double"}))
-      ->type_name("DEPTH");
-  command->add_option("--block", options->block, "announced block, in frames (512)")
-      ->check(CLI::Range(16, 16384))
-      ->type_name("N");
-  command->add_flag("--quiet", options->quiet, "no closing line");
   command->footer(kExamples);
   command->callback([options] { WriteResponse(*options); });
 }

@@ -43,6 +43,10 @@ void AddPluginOption(CLI::App& command, Settings& settings) {
 
 void AddSettingsOptions(CLI::App& command, Settings& settings) {
   AddPluginOption(command, settings);
+  AddValueOptions(command, settings);
+}
+
+void AddValueOptions(CLI::App& command, Settings& settings) {
   command.add_option("--preset", settings.preset, "begin with this preset")->type_name("NAME");
   command.add_option("--load-fxp", settings.presetFile, "begin with this preset file")
       ->type_name("FILE")
@@ -52,6 +56,17 @@ void AddSettingsOptions(CLI::App& command, Settings& settings) {
                   "then set a parameter, in its own unit; may be given many times")
       ->type_name("\"NAME=VALUE\"")
       ->allow_extra_args(false);
+}
+
+void AddSoundOptions(CLI::App& command, SoundOptions& options, const std::string& depth) {
+  command.add_option("OUT", options.output, "the sound file to write")->required();
+  command.add_option("--depth", options.depth, "16, 24, 32, float or double; else " + depth)
+      ->check(CLI::IsMember({"16", "24", "32", "float", "double"}))
+      ->type_name("DEPTH");
+  command.add_option("--block", options.block, "announced block, in frames (512)")
+      ->check(CLI::Range(16, 16384))
+      ->type_name("N");
+  command.add_flag("--quiet", options.quiet, "no progress and no closing line");
 }
 
 std::unique_ptr<PluginHost> OpenPlugin(const Settings& settings) {

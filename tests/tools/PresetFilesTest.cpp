@@ -55,7 +55,7 @@ TEST_F(PresetFilesTest, ABankHoldsEveryPresetAndTheSettingsAskedFor) {
          "full_effect.so"});
   const Json shown = JsonOf({"show", "all.fxb"});
   ASSERT_EQ(shown["presets"].size(), 3U);
-  for (const int i : {0, 1, 2}) {
+  for (const std::size_t i : {0U, 1U, 2U}) {
     const std::string name = shown["presets"][i]["name"];
     Json expected = JsonOf({"params", "--preset", name});
     Json& decay = expected[2];
