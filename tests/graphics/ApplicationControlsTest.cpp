@@ -180,7 +180,15 @@ TEST_F(PopupControls, AChoiceIsPushedAndSoIsTheLackOfOne) {
   graphics->chooseItem = nullptr;
   graphics->OnMouseDown(20, 20, &left);
   EXPECT_EQ(plug.TakeCalls(), (Calls{"set 0 0.750", "changed 0", "begin 0"}));
-  EXPECT_EQ(sizes->GetMainMenu().GetChosenItemIdx(), 9);
+
+  sizes->GetAuxMenu().AddItem("a");
+  graphics->chooseItem = [&](IPopupMenu*) {
+    sizes->GetAuxMenu().SetChosenItemIdx(0);
+    return &sizes->GetAuxMenu();
+  };
+  graphics->OnMouseDown(20, 20, &left);
+  EXPECT_TRUE(sizes->GetAuxMenu().IsItemChecked(0)) << "the other menu only checks its choice";
+  EXPECT_EQ(sizes->GetValue(), 0.75);
 }
 
 }  // namespace

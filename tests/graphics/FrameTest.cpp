@@ -110,6 +110,10 @@ TEST_F(Frame, LooseDrawingRedrawsADirtyControlWithItsNeighbours) {
   EXPECT_EQ(graphics->PixelAt(110, 20), kBlue);
 
   clear();
+  a->SetDirty(false);
+  far->SetDirty(false);
+  graphics->Tick();
+  EXPECT_EQ(far->TakeEvents().size(), 1U) << "each dirty control has its turn";
   far->Hide(true);
   Settle();
   clear();

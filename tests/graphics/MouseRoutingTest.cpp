@@ -36,6 +36,7 @@ TEST_F(MouseRouting, ThePressGoesToTheTopmostHitAndItsEditIsAnnouncedUntilTheRel
 
 TEST_F(MouseRouting, HiddenAndGrayedControlsLetThePressThrough) {
   upper->GrayOut(true);
+  upper->SetMouseOverWhenGrayed(true);
   graphics->OnMouseDown(25, 15, &left);
   EXPECT_EQ(lower->TakeEvents(), Calls{"down 25 15"});
   lower->Hide(true);
@@ -64,8 +65,9 @@ TEST_F(MouseRouting, MouseOverEntersLeavesAndReachesGrayedControlsOnRequest) {
   EXPECT_EQ(lower->TakeEvents(), Calls()) << "off until asked for";
   graphics->HandleMouseOver(true);
   graphics->OnMouseOver(15, 15, &left);
+  graphics->OnMouseOver(16, 15, &left);
   graphics->OnMouseOver(35, 15, &left);
-  EXPECT_EQ(lower->TakeEvents(), (Calls{"over 15 15", "out 0 0"}));
+  EXPECT_EQ(lower->TakeEvents(), (Calls{"over 15 15", "over 16 15", "out 0 0"}));
   EXPECT_EQ(upper->TakeEvents(), Calls{"over 35 15"});
   graphics->OnMouseOver(500, 500, &left);
   EXPECT_EQ(graphics->GetMouseOver(), 2) << "no hit changes nothing";

@@ -45,11 +45,13 @@ TEST_F(Primitives, BitmapsAreClippedToTheRectangleInHandWithTheirOrigin) {
     bool Draw(IGraphics* g) override { return g->DrawBitmap(&mBitmap, &mRECT, 0, 0); }
     IBitmap mBitmap;
   };
-  Attach<Stamp>(IRECT(0, 0, 20, 20), FramesOf(20, 10, {kColorRed, kColorGreen}));
-  IRECT part(5, 8, 12, 13);
+  const IBitmap bitmap = FramesOf(20, 20, {kColorRed});
+  LICE_FillRect(static_cast<LICE_IBitmap*>(bitmap.mData), 0, 0, 7, 10, kGreen);
+  Attach<Stamp>(IRECT(30, 40, 50, 60), bitmap);
+  IRECT part(35, 48, 42, 53);
   graphics->Draw(&part);
-  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(5, 8, 12, 10));
-  EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(5, 10, 12, 13));
+  EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(35, 48, 37, 50));
+  EXPECT_EQ(graphics->BoundsOf(kRed), part);
 }
 
 TEST_F(Primitives, FramesStandBelowOrBesideEachOther) {
