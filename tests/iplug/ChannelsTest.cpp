@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 #include "tests/support/AllocationGuard.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <set>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 #include "iplug/Hosts.h"
 
 namespace {

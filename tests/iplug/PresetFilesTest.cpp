@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 #include "iplug/FileBytes.h"
 #include "iplug/PresetFile.h"
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 #include "iplug/Base64.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 #include "iplug/ByteChunk.h"
 
 namespace {

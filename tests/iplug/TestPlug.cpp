@@ -1,5 +1,5 @@
 // The plug-in and the host of the framework's tests.
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 
 #include <algorithm>
 #include <cstring>

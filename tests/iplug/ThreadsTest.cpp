@@ -4,7 +4,7 @@
 #include <atomic>
 #include <thread>
 
-#include "TestPlug.h"
+#include "tests/iplug/TestPlug.h"
 
 namespace {
 
