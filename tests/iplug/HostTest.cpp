@@ -5,8 +5,8 @@
 #include <cstring>
 #include <set>
 
-#include "tests/iplug/TestPlug.h"
 #include "iplug/Hosts.h"
+#include "tests/iplug/TestPlug.h"
 
 namespace {
 

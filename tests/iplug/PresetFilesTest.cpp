@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/iplug/TestPlug.h"
 #include "iplug/FileBytes.h"
 #include "iplug/PresetFile.h"
+#include "tests/iplug/TestPlug.h"
 
 namespace {
 

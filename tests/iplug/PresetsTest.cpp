@@ -5,8 +5,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/iplug/TestPlug.h"
 #include "iplug/Base64.h"
+#include "tests/iplug/TestPlug.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/iplug/TestPlug.h"
 #include "iplug/ByteChunk.h"
+#include "tests/iplug/TestPlug.h"
 
 namespace {
 
