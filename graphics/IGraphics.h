@@ -145,8 +145,8 @@ class IGraphics {
   bool DrawHorizontalLine(const IColor* color, const IRECT* rect, float fraction);
   bool DrawRadialLine(const IColor* color, float cx, float cy, float angle, float rMin, float rMax,
                       const IChannelBlend* blend = nullptr, bool antiAlias = false);
-  // Draws, or with `measure` only sets `rect` to the area taken; `bitmap` may then be null. True for
-  // an empty text; false when no font can be made.
+  // Draws, or with `measure` only sets `rect` to the area taken; `bitmap` may then be null. True
+  // for an empty text; false when no font can be made.
   static bool DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, IRECT* rect,
                          bool measure);
   // Sets `rect` to the area that `str` takes where DrawIText would put it. False without a font.
