@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr int kPadding = 4;  // above and below the rows, with the border
 constexpr int kSeparatorHeight = 9;
 constexpr int kArrowWidth = 20;  // column of the arrows to sub-menus, right of the text
 constexpr int kLeastWidth = 60;

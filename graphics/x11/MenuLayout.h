@@ -23,6 +23,7 @@ struct MenuRow {
 class MenuLayout {
  public:
   static constexpr int kRowHeight = 20;
+  static constexpr int kPadding = 4;    // above and below the rows, with the border
   static constexpr int kTextLeft = 22;  // behind the column of the check marks
   static constexpr int kIndentation = 12;
 

@@ -110,10 +110,13 @@ void MouseRouter::Cancel() {
 
 void MouseRouter::Motion(int x, int y, uint16_t state, bool dragging) {
   if (mButton && !(state & MaskOf(mButton))) Cancel();
+  // The server tells of an entry and then of the motion that led to it.
+  const bool isNews = !mIsInside || mX != x - kOffsetX || mY != y - kOffsetY;
+  mIsInside = true;
   MoveTo(x, y, state);
   IMouseMod mod = Modifiers(mButton);
   if (!mButton) {
-    mGraphics.OnMouseOver(mX, mY, &mod);
+    if (isNews) mGraphics.OnMouseOver(mX, mY, &mod);
   } else if (dragging) {
     mGraphics.OnMouseDrag(mX, mY, &mod);
   }
@@ -128,5 +131,6 @@ void MouseRouter::Wheel(int distance, int x, int y, uint16_t state) {
 }
 
 void MouseRouter::Leave() {
+  mIsInside = false;
   if (!mButton) mGraphics.OnMouseOut();
 }

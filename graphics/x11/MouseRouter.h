@@ -53,6 +53,7 @@ class MouseRouter {
   int mButton = 0;          // held, 1 or 3; 0 for none
   bool mEditing = false;    // the host was told that an edit began
   bool mSwallowed = false;  // no release will come
+  bool mIsInside = false;   // the mouse, in the window
   int mX = 0, mY = 0;
   uint16_t mState = 0;  // modifiers of the last event
 };

@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr uint32_t kEditorEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                                   XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                                   XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW |
-                                   XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE;
+constexpr uint32_t kEditorEvents =
+    XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS |
+    XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
+    XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE;
 
 }  // namespace
 
@@ -41,7 +41,8 @@ bool X11Editor::Open(xcb_window_t parent) {
   mNextFrame = Clock::now();
   Frame(mNextFrame);  // before it can be seen
   mWindow->Map();
-  xcb_flush(mConnection.Get());
+  // Hosts look for the window as soon as this returns.
+  mConnection.Await<xcb_get_input_focus_reply_t>(xcb_get_input_focus(mConnection.Get()));
   return true;
 }
 
@@ -92,8 +93,12 @@ void X11Editor::Run() {
 // Events, a frame when it is time, and a wait for whatever comes next. True when the watched
 // descriptor is readable.
 bool X11Editor::Turn(int watchedFd) {
+  const bool wasLost = IsLost();
   HandleEvents();
-  if (IsLost()) mMouse.Cancel();
+  if (IsLost() && !wasLost) {
+    mMouse.Cancel();
+    return false;
+  }
   const Clock::time_point now = Clock::now();
   if (now >= mNextFrame && !IsLost()) Frame(now);
   xcb_flush(mConnection.Get());
@@ -170,6 +175,7 @@ IPopupMenu* X11Editor::RunMenu(IPopupMenu& menu, X11Point corner) {
   while (mMenu->IsOpen() && !mEnding.IsNear() && !IsLost()) Turn();
   IPopupMenu* chosen = mMenu->Chosen();
   mMenu.reset();
+  xcb_flush(mConnection.Get());  // whatever comes next, the mouse is free
   return chosen;
 }
 

@@ -63,6 +63,7 @@ class X11Editor {
   void OnWheel(int distance, const xcb_button_press_event_t& event);
   void OnRelease(const xcb_button_release_event_t& event);
   void OnMotion(const xcb_motion_notify_event_t& event);
+  void OnEnter(const xcb_enter_notify_event_t& event);
   void OnLeave(const xcb_leave_notify_event_t& event);
   void OnKey(const xcb_key_press_event_t& event);
   void OnKeyInField(const X11Key& key, const xcb_key_press_event_t& event);

@@ -34,6 +34,7 @@ void X11Editor::Handle(const xcb_generic_event_t& event) {
     case XCB_BUTTON_PRESS: return OnPress(As<xcb_button_press_event_t>(event));
     case XCB_BUTTON_RELEASE: return OnRelease(As<xcb_button_release_event_t>(event));
     case XCB_MOTION_NOTIFY: return OnMotion(As<xcb_motion_notify_event_t>(event));
+    case XCB_ENTER_NOTIFY: return OnEnter(As<xcb_enter_notify_event_t>(event));
     case XCB_LEAVE_NOTIFY: return OnLeave(As<xcb_leave_notify_event_t>(event));
     case XCB_KEY_PRESS: return OnKey(As<xcb_key_press_event_t>(event));
     case XCB_FOCUS_OUT: return OnFocusOut(As<xcb_focus_out_event_t>(event));
@@ -111,6 +112,12 @@ void X11Editor::OnMotion(const xcb_motion_notify_event_t& event) {
   } else if (event.event == mWindow->Id()) {
     mMouse.Motion(event.event_x, event.event_y, event.state, !mField);
   }
+}
+
+// The window may have come to the mouse.
+void X11Editor::OnEnter(const xcb_enter_notify_event_t& event) {
+  if (mMenu || mInDialog || IsOfGrab(event.mode)) return;
+  mMouse.Motion(event.event_x, event.event_y, event.state, false);
 }
 
 void X11Editor::OnLeave(const xcb_leave_notify_event_t& event) {
@@ -201,5 +208,6 @@ void X11Editor::TakeFocus() {
 void X11Editor::GiveFocusBack() {
   if (!mHasFocus || IsLost()) return;
   mHasFocus = false;
-  xcb_set_input_focus(mConnection.Get(), XCB_INPUT_FOCUS_PARENT, mFocusBefore, XCB_CURRENT_TIME);
+  // With the time of the input that led to it, so that the same input can open the next field.
+  xcb_set_input_focus(mConnection.Get(), XCB_INPUT_FOCUS_PARENT, mFocusBefore, mTime);
 }

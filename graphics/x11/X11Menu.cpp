@@ -220,9 +220,9 @@ bool X11Menu::LeadsOn(const Panel& panel) const {
 
 void X11Menu::ScrollToLit(Panel& panel) const {
   const MenuRow& row = panel.layout.Row(panel.lit);
-  const int bottom = row.top + row.height - panel.place.H();
-  panel.scroll = std::clamp(panel.scroll, std::min(bottom, row.top), row.top);
-  panel.scroll = std::clamp(panel.scroll, 0, panel.layout.Height() - panel.place.H());
+  const int top = row.top - MenuLayout::kPadding;
+  const int bottom = row.top + row.height + MenuLayout::kPadding - panel.place.H();
+  panel.scroll = std::clamp(panel.scroll, std::min(bottom, top), top);
 }
 
 bool X11Menu::Expose(xcb_window_t window, const IRECT& rect) {

@@ -58,6 +58,19 @@ bool Journal::EndsWith(const std::string& entry) {
   return found;
 }
 
+bool Journal::Comes(const std::string& entry) {
+  const bool found = Eventually([&] {
+    const std::lock_guard guard(mMutex);
+    const auto at = std::find(mEntries.begin(), mEntries.end(), entry);
+    if (at == mEntries.end()) return false;
+    mEntries.erase(mEntries.begin(), at + 1);
+    return true;
+  });
+  const std::lock_guard guard(mMutex);
+  EXPECT_TRUE(found) << entry << " is not in " << ::testing::PrintToString(mEntries);
+  return found;
+}
+
 HostedPlug::HostedPlug(audioMasterCallback callback)
     : IPlugVST(callback, kNumHostedParams, "2-2", 1, "Hosted", "Hosted", "Tests", 0x00010000,
                0x486F7374, 0) {

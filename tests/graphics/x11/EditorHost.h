@@ -36,6 +36,8 @@ class Journal {
   std::vector<std::string> Take();
   // Waits until the last entry is this one.
   bool EndsWith(const std::string& entry);
+  // Waits for an entry and takes all up to it.
+  bool Comes(const std::string& entry);
 
  private:
   std::mutex mMutex;

@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -130,10 +131,31 @@ void XUser::SetFocus(xcb_window_t window) const {
   Sync();
 }
 
+bool XUser::CanGrab() const {
+  const auto mouse = xcb_grab_pointer(mConnection, 0, mScreen->root, 0, XCB_GRAB_MODE_ASYNC,
+                                      XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+  const auto keys = xcb_grab_keyboard(mConnection, 0, mScreen->root, XCB_CURRENT_TIME,
+                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const X11Reply<xcb_grab_pointer_reply_t> gotMouse(
+      xcb_grab_pointer_reply(mConnection, mouse, nullptr));
+  const X11Reply<xcb_grab_keyboard_reply_t> gotKeys(
+      xcb_grab_keyboard_reply(mConnection, keys, nullptr));
+  xcb_ungrab_pointer(mConnection, XCB_CURRENT_TIME);
+  xcb_ungrab_keyboard(mConnection, XCB_CURRENT_TIME);
+  Sync();
+  return gotMouse->status == XCB_GRAB_STATUS_SUCCESS && gotKeys->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
 void XUser::Fake(uint8_t type, int detail, int x, int y) const {
   xcb_test_fake_input(mConnection, type, static_cast<uint8_t>(detail), XCB_CURRENT_TIME,
                       mScreen->root, static_cast<int16_t>(x), static_cast<int16_t>(y), 0);
   Sync();
+}
+
+X11Point XUser::Pointer() const {
+  const X11Reply<xcb_query_pointer_reply_t> place(
+      xcb_query_pointer_reply(mConnection, xcb_query_pointer(mConnection, mScreen->root), nullptr));
+  return {place->root_x, place->root_y};
 }
 
 void XUser::MoveTo(int x, int y) const { Fake(XCB_MOTION_NOTIFY, 0, x, y); }
@@ -228,12 +250,50 @@ X11Event XUser::NextEvent() const {
   return event;
 }
 
+xcb_atom_t XUser::Atom(const char* name) const {
+  const auto length = static_cast<uint16_t>(std::strlen(name));
+  const X11Reply<xcb_intern_atom_reply_t> reply(
+      xcb_intern_atom_reply(mConnection, xcb_intern_atom(mConnection, 0, length, name), nullptr));
+  return reply->atom;
+}
+
+std::string XUser::Property(xcb_window_t window, xcb_atom_t name) const {
+  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+      mConnection, xcb_get_property(mConnection, 0, window, name, XCB_ATOM_ANY, 0, 1000), nullptr));
+  if (!reply || reply->format != 8) return "";
+  return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+          static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+bool XUser::ServeSelection(const std::string& text) const {
+  X11Event event;
+  do {
+    event = NextEvent();
+    if (!event) return false;
+  } while (X11TypeOf(*event) != XCB_SELECTION_REQUEST);
+  const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(*event);
+  xcb_change_property(mConnection, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
+                      request.target, 8, static_cast<uint32_t>(text.size()), text.data());
+  xcb_selection_notify_event_t answer{};
+  answer.response_type = XCB_SELECTION_NOTIFY;
+  answer.requestor = request.requestor;
+  answer.selection = request.selection;
+  answer.target = request.target;
+  answer.property = request.property;
+  xcb_send_event(mConnection, 0, request.requestor, 0, reinterpret_cast<const char*>(&answer));
+  Sync();
+  return true;
+}
+
 int ThreadCount() { return EntryCount("/proc/self/task"); }
 int DescriptorCount() { return EntryCount("/proc/self/fd"); }
 
 int ChildCount() {
-  std::ifstream file("/proc/self/task/" + std::to_string(getpid()) + "/children");
   int count = 0;
-  for (int pid; file >> pid;) ++count;
+  // Each thread's own, whether they still run or nobody has waited for them.
+  for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::ifstream file(task.path() / "children");
+    for (int pid; file >> pid;) ++count;
+  }
   return count;
 }

@@ -11,6 +11,7 @@
 
 #include "graphics/IGraphicsTypes.h"
 #include "graphics/x11/X11Connection.h"
+#include "graphics/x11/X11Screen.h"
 
 // Waits for a condition, up to some seconds; returns whether it came true.
 bool Eventually(const std::function<bool()>& condition);
@@ -64,8 +65,10 @@ class XUser {
   std::vector<xcb_window_t> ChildrenOf(xcb_window_t window) const;
   xcb_window_t Focus() const;
   void SetFocus(xcb_window_t window) const;
+  bool CanGrab() const;  // nobody holds mouse or keyboard
 
   // The real input of a user. Places are those of the screen.
+  X11Point Pointer() const;
   void MoveTo(int x, int y) const;
   void Press(int button) const;
   void Release(int button) const;
@@ -81,6 +84,11 @@ class XUser {
   std::vector<uint32_t> Picture(xcb_window_t window, const IRECT& rect) const;
   uint32_t ScreenPixel(int x, int y) const;
   X11Event NextEvent() const;  // waits for it; null when none comes
+
+  xcb_atom_t Atom(const char* name) const;
+  std::string Property(xcb_window_t window, xcb_atom_t name) const;  // text, "" for none
+  // Answers the next request for a selection of ours. False when none comes.
+  bool ServeSelection(const std::string& text) const;
 
  private:
   void Fake(uint8_t type, int detail, int x = 0, int y = 0) const;
