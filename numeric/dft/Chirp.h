@@ -10,7 +10,7 @@ namespace {
 // y[i] = x[i] * w[i] for n values; x and y may be the same array.
 template <class Isa>
 void multiply(int n, Planar x, const float* re, const float* im, Planar y) {
-  Isa::fit(n, [&](auto v) {
+  Isa::Exact::fit(n, [&](auto v) {
     using V = typename decltype(v)::type;
     int i = 0;
     for (; i + V::lanes <= n; i += V::lanes) {

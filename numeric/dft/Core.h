@@ -27,7 +27,7 @@ void turn_tile(const float* fine, const float* coarse, int rows, int columns, Pl
                Planar out) {
   constexpr int B = dft::kBatch;
   if (rows == B && columns == B) {
-    Isa::fit(B, [&](auto v) {
+    Isa::Kernels::fit(B, [&](auto v) {
       using V = typename decltype(v)::type;
       for (int i = 0; i < B; i += V::lanes) {
         V re[B], im[B];
@@ -65,7 +65,7 @@ void run_columns(const dft::Spec& spec, In in, Planar mid, const Work& work) {
   for (int first = 0; first < columns; first += B, coarse += 2 * rows) {
     const int width = columns - first < B ? columns - first : B;
     for (int j = 0; j < rows; ++j) {
-      Isa::fit(width, [&](auto v) {
+      Isa::Exact::fit(width, [&](auto v) {
         using V = typename decltype(v)::type;
         for_vectors<V>(width, [&](int i) {
           work.batch_a.store(width * j + i,
@@ -76,8 +76,7 @@ void run_columns(const dft::Spec& spec, In in, Planar mid, const Work& work) {
     Planar x =
         run_inner<Isa>(spec, core.columns, 0, work.batch_a, work.batch_a, work.batch_b, width);
     const Planar last = x.re == work.batch_a.re ? work.batch_b : work.batch_a;
-    const dft::Pass& pass = core.columns.pass[core.columns.count - 1];
-    run_pass<Isa>(pass, dft::table(spec, pass.table), x, last, width);
+    run_pass<Isa>(spec, core.columns.pass[core.columns.count - 1], x, last, width);
     for (int c = 0; c < rows; c += B) {
       const int height = rows - c < B ? rows - c : B;
       turn_tile<Isa>(fine + std::ptrdiff_t{2 * B} * c, coarse + 2 * c, height, width,
@@ -97,10 +96,9 @@ void run_rows(const dft::Spec& spec, Planar mid, Out out, const Work& work) {
     const Planar x = run_inner<Isa>(spec, core.rows, 0, mid + std::ptrdiff_t{length} * c,
                                     work.batch_a, work.batch_b, width);
     const Planar last = x.re == work.batch_a.re ? work.batch_b : work.batch_a;
-    const dft::Pass& pass = core.rows.pass[core.rows.count - 1];
-    run_pass<Isa>(pass, dft::table(spec, pass.table), x, last, width);
+    run_pass<Isa>(spec, core.rows.pass[core.rows.count - 1], x, last, width);
     for (int k = 0; k < length; ++k) {
-      Isa::fit(width, [&](auto v) {
+      Isa::Exact::fit(width, [&](auto v) {
         using V = typename decltype(v)::type;
         for_vectors<V>(width, [&](int i) {
           out.store(std::ptrdiff_t{rows} * k + c + i, last.load<V>(width * k + i));
@@ -121,8 +119,7 @@ Planar transform(const dft::Spec& spec, In in, Planar a, Planar b, const Work& w
   }
   const Planar x = run_leading<Isa>(spec, plan, in, a, b);
   const Planar out = x.re == a.re ? b : a;
-  const dft::Pass& pass = plan.pass[plan.count - 1];
-  run_pass<Isa>(pass, dft::table(spec, pass.table), x, out, 1);
+  run_pass<Isa>(spec, plan.pass[plan.count - 1], x, out, 1);
   return out;
 }
 
@@ -138,7 +135,13 @@ void transform(const dft::Spec& spec, In in, Planar a, Planar b, const Work& wor
   }
   const Planar x = run_leading<Isa>(spec, plan, in, a, b);
   const dft::Pass& pass = plan.pass[plan.count - 1];
-  run_pass<Isa>(pass, dft::table(spec, pass.table), x, out, 1);
+  if (pass.stride >= dft::kNarrowest && !dft::is_generic(pass.radix)) {
+    run_last<Isa>(pass, x, out);
+    return;
+  }
+  const Planar y = x.re == a.re ? b : a;
+  run_pass<Isa>(spec, pass, x, y, 1);
+  copy<Isa>(plan.length, y, out);
 }
 
 }  // namespace

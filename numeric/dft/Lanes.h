@@ -77,4 +77,12 @@ template <class V, class F>
   if (i < n) body(n > V::lanes ? n - V::lanes : 0);
 }
 
+// The vector types of an instruction set. Kernels need a whole vector of the narrowest, or room
+// after their output; what else there is goes down to single lanes.
+template <class Single, class... Vectors>
+struct Isa {
+  using Kernels = Widths<Vectors...>;
+  using Exact = Widths<Single, Vectors...>;
+};
+
 }  // namespace

@@ -68,40 +68,42 @@ void fused_pass(const dft::Pass& pass, const float* twiddles, In in, Planar out)
   });
 }
 
-// Any other pass: vectors run over the stride, and each block has its own R - 1 twiddles. Only the
-// last pass has a single block, whose twiddles are all 1.
-template <class V, int R, class Out>
-void strided_pass(const dft::Pass& pass, const float* twiddles, Planar in, Out out, int batch) {
+// Any other pass but the last: vectors run over the stride, and each block has its own R - 1
+// twiddles. A vector wider than the stride writes past it; the next ones put that right.
+template <class V, int R>
+void inner_pass(const dft::Pass& pass, const float* twiddles, Planar in, Planar out, int batch) {
   const int stride = pass.stride * batch;
   const std::ptrdiff_t step = std::ptrdiff_t{stride} * pass.blocks;
-  const auto block = [&](auto turn, std::ptrdiff_t p) __attribute__((always_inline)) {
-    const Planar from = in + stride * p;
+  for (int p = 0; p < pass.blocks; ++p, in = in + stride, out = out + std::ptrdiff_t{R} * stride) {
+    const float* w = twiddles + 2 * (R - 1) * std::ptrdiff_t{p};
     for_vectors<V>(stride, [&](int q) {
       Cx<V> x[R];
-      unrolled<R>([&](auto l) { x[l] = from.load<V>(q + step * l); });
+      unrolled<R>([&](auto l) { x[l] = in.load<V>(q + step * l); });
       Butterfly<R, V>::run(x);
-      unrolled<R>([&](auto k) { out.template store<V>(q + stride * (R * p + k), turn(x[k], k)); });
+      unrolled<R>([&](auto k) {
+        if constexpr (k > 0) x[k] = x[k] * Cx<V>{V::set1(w[2 * k - 2]), V::set1(w[2 * k - 1])};
+        out.store(q + std::ptrdiff_t{stride} * k, x[k]);
+      });
     });
-  };
-  block([](Cx<V> x, auto) { return x; }, 0);
-  for (int p = 1; p < pass.blocks; ++p) {
-    const float* w = twiddles + 2 * (R - 1) * std::ptrdiff_t{p};
-    block(
-        [w](Cx<V> x, auto k) {
-          if constexpr (k == 0) {
-            return x;
-          } else {
-            return x * Cx<V>{V::set1(w[2 * k - 2]), V::set1(w[2 * k - 1])};
-          }
-        },
-        p);
   }
+}
+
+// The last pass: one block, whose twiddles are all 1.
+template <class V, int R, class Out>
+void last_pass(const dft::Pass& pass, Planar in, Out out, int batch) {
+  const int stride = pass.stride * batch;
+  for_vectors<V>(stride, [&](int q) {
+    Cx<V> x[R];
+    unrolled<R>([&](auto l) { x[l] = in.load<V>(q + std::ptrdiff_t{stride} * l); });
+    Butterfly<R, V>::run(x);
+    unrolled<R>([&](auto k) { out.template store<V>(q + std::ptrdiff_t{stride} * k, x[k]); });
+  });
 }
 
 // A radix without a kernel of its own: the defining sum, folded. Its table starts with the roots
 // cos, sin of 0 to R - 1 parts of a turn.
-template <class V, class Out>
-void generic_pass(const dft::Pass& pass, const float* roots, Planar in, Out out, int batch) {
+template <class V>
+void generic_pass(const dft::Pass& pass, const float* roots, Planar in, Planar out, int batch) {
   constexpr int kMost = 75;
   const int radix = pass.radix, half = radix / 2, stride = pass.stride * batch;
   const std::ptrdiff_t step = std::ptrdiff_t{stride} * pass.blocks;
@@ -111,7 +113,7 @@ void generic_pass(const dft::Pass& pass, const float* roots, Planar in, Out out,
     const auto put = [&](int q, int k, Cx<V> x) {
       const float* w = twiddles + 2 * k - 2;
       if (k > 0) x = x * Cx<V>{V::set1(w[0]), V::set1(w[1])};
-      out.template store<V>(q + stride * (std::ptrdiff_t{radix} * p + k), x);
+      out.store(q + stride * (std::ptrdiff_t{radix} * p + k), x);
     };
     for_vectors<V>(stride, [&](int q) {
       Cx<V> sum[kMost], difference[kMost];
@@ -144,53 +146,53 @@ void generic_pass(const dft::Pass& pass, const float* roots, Planar in, Out out,
   }
 }
 
-template <class V, class In>
-void run_fused(const dft::Pass& pass, const float* twiddles, In in, Planar out) {
-  switch (pass.radix) {
-    case 2: return fused_pass<V, 2>(pass, twiddles, in, out);
-    case 3: return fused_pass<V, 3>(pass, twiddles, in, out);
-    case 4: return fused_pass<V, 4>(pass, twiddles, in, out);
-    case 5: return fused_pass<V, 5>(pass, twiddles, in, out);
-    case 7: return fused_pass<V, 7>(pass, twiddles, in, out);
-    default: return fused_pass<V, 8>(pass, twiddles, in, out);
+// Calls f with the radix as a constant; false if it has no kernel of its own.
+template <class F>
+[[gnu::always_inline]] inline bool with_kernel(int radix, F f) {
+  switch (radix) {
+    case 2: f(std::integral_constant<int, 2>{}); return true;
+    case 3: f(std::integral_constant<int, 3>{}); return true;
+    case 4: f(std::integral_constant<int, 4>{}); return true;
+    case 5: f(std::integral_constant<int, 5>{}); return true;
+    case 7: f(std::integral_constant<int, 7>{}); return true;
+    case 8: f(std::integral_constant<int, 8>{}); return true;
+    default: return false;
   }
 }
 
-template <class V, class Out>
-void run_strided(const dft::Pass& pass, const float* twiddles, Planar in, Out out, int batch) {
-  switch (pass.radix) {
-    case 2: return strided_pass<V, 2>(pass, twiddles, in, out, batch);
-    case 3: return strided_pass<V, 3>(pass, twiddles, in, out, batch);
-    case 4: return strided_pass<V, 4>(pass, twiddles, in, out, batch);
-    case 5: return strided_pass<V, 5>(pass, twiddles, in, out, batch);
-    case 7: return strided_pass<V, 7>(pass, twiddles, in, out, batch);
-    case 8: return strided_pass<V, 8>(pass, twiddles, in, out, batch);
-    default: return generic_pass<V>(pass, twiddles, in, out, batch);
-  }
-}
-
-// Vectors of `Isa` as wide as the stride allows. The work arrays have room for what a vector
-// writes past a narrow stride; a caller's array has none.
+// Any pass between work arrays, which have room for what a vector writes past a narrow stride.
 template <class Isa>
-void run_pass(const dft::Pass& pass, const float* twiddles, Planar in, Planar out, int batch) {
-  Isa::cover(pass.stride * batch, [&](auto v) {
-    run_strided<typename decltype(v)::type>(pass, twiddles, in, out, batch);
-  });
-}
-template <class Isa>
-void run_pass(const dft::Pass& pass, const float* twiddles, Planar in, ToSwappedPairs out,
-              int batch) {
-  Isa::fit(pass.stride * batch, [&](auto v) {
-    run_strided<typename decltype(v)::type>(pass, twiddles, in, out, batch);
+void run_pass(const dft::Spec& spec, const dft::Pass& pass, Planar in, Planar out, int batch) {
+  const float* twiddles = dft::table(spec, pass.table);
+  Isa::Kernels::cover(pass.stride * batch, [&](auto v) {
+    using V = typename decltype(v)::type;
+    const bool done = with_kernel(pass.radix, [&](auto radix) {
+      if (pass.blocks > 1) {
+        inner_pass<V, radix>(pass, twiddles, in, out, batch);
+      } else {
+        last_pass<V, radix>(pass, in, out, batch);
+      }
+    });
+    if (!done) generic_pass<V>(pass, twiddles, in, out, batch);
   });
 }
 
 // Copies n values, in order.
 template <class Isa, class In, class Out>
 void copy(int n, In in, Out out) {
-  Isa::fit(n, [&](auto v) {
+  Isa::Exact::fit(n, [&](auto v) {
     using V = typename decltype(v)::type;
     for_vectors<V>(n, [&](int i) { out.template store<V>(i, in.template load<V>(i)); });
+  });
+}
+
+// The last pass into a caller's array, past which nothing may be written.
+template <class Isa>
+void run_last(const dft::Pass& pass, Planar in, ToSwappedPairs out) {
+  Isa::Kernels::fit(pass.stride, [&](auto v) {
+    with_kernel(pass.radix, [&](auto radix) {
+      last_pass<typename decltype(v)::type, radix>(pass, in, out, 1);
+    });
   });
 }
 
@@ -200,7 +202,7 @@ Planar run_inner(const dft::Spec& spec, const dft::PassPlan& plan, int first, Pl
                  Planar b, int batch) {
   for (int i = first; i + 1 < plan.count; ++i) {
     const Planar out = in.re == a.re || in.re == a.im ? b : a;
-    run_pass<Isa>(plan.pass[i], dft::table(spec, plan.pass[i].table), in, out, batch);
+    run_pass<Isa>(spec, plan.pass[i], in, out, batch);
     in = out;
   }
   return in;
@@ -214,8 +216,11 @@ Planar run_leading(const dft::Spec& spec, const dft::PassPlan& plan, In in, Plan
     return run_inner<Isa>(spec, plan, 0, a, a, b, 1);
   }
   const dft::Pass& pass = plan.pass[0];
-  Isa::fit(pass.blocks, [&](auto v) {
-    run_fused<typename decltype(v)::type>(pass, dft::table(spec, pass.table), in, a);
+  const float* twiddles = dft::table(spec, pass.table);
+  Isa::Kernels::fit(pass.blocks, [&](auto v) {
+    with_kernel(pass.radix, [&](auto radix) {
+      fused_pass<typename decltype(v)::type, radix>(pass, twiddles, in, a);
+    });
   });
   return run_inner<Isa>(spec, plan, 1, a, a, b, 1);
 }

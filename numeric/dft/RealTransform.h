@@ -18,7 +18,7 @@ namespace {
 template <class Isa, class F>
 void for_mirrored_bins(int n, int first, F body) {
   const int pairs = (n + 1) / 2 - first;
-  Isa::fit(pairs, [&](auto v) {
+  Isa::Exact::fit(pairs, [&](auto v) {
     using V = typename decltype(v)::type;
     for_vectors<V>(pairs, [&](int i) { body(v, first + i, n - first - i - V::lanes + 1); });
   });

@@ -38,7 +38,8 @@ PassPlan plan_passes(const std::vector<int>& radices, bool batched, Placement& p
   PassPlan plan{};
   plan.length = 1;
   for (const int radix : radices) plan.length *= radix;
-  plan.fused = !batched && radices.size() > 1 && !is_generic(radices[0]);
+  plan.fused = !batched && radices.size() > 1 && !is_generic(radices[0]) &&
+               plan.length / radices[0] >= kNarrowest;
   int stride = 1;
   for (const int radix : radices) {
     Pass& pass = plan.pass[plan.count];

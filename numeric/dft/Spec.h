@@ -11,6 +11,7 @@ namespace dft {
 
 constexpr int kIdentifier = 15;      // first word of every valid spec block
 constexpr int kMaxPasses = 24;       // 3^16 is the longest product of small primes below 2^27
+constexpr int kNarrowest = 4;        // lanes of the narrowest vector of any variant's kernels
 constexpr int kBatch = 16;           // columns that a split transform handles together
 constexpr int kLine = 16;            // floats per cache line
 constexpr int kPadding = 3 * kLine;  // floats after each work array; keeps arrays off equal sets

@@ -6,8 +6,11 @@
 namespace dft {
 namespace {
 
-using Isa = Widths<Vector1>;
-constexpr Engine kScalar = {forward<Isa>, inverse<Isa>, forward_core<Isa>};
+struct Set {
+  using Kernels = Widths<Vector1>;
+  using Exact = Widths<Vector1>;
+};
+constexpr Engine kScalar = {forward<Set>, inverse<Set>, forward_core<Set>};
 
 }  // namespace
 

@@ -9,10 +9,10 @@
 namespace dft {
 namespace {
 
-using Isa = Widths<Vector1, Vector4, Vector8, Vector16>;
+using Set = Isa<Vector1, Vector4, Vector8, Vector16>;
 
 }  // namespace
 
-const Engine kEngineAvx512 = {forward<Isa>, inverse<Isa>, forward_core<Isa>};
+const Engine kEngineAvx512 = {forward<Set>, inverse<Set>, forward_core<Set>};
 
 }  // namespace dft
