@@ -65,7 +65,7 @@ void IGraphics::AttachPanelBackground(const IColor* color) {
 }
 
 void IGraphics::InsertBackground(std::unique_ptr<IControl> control) {
-  if (mControls.Insert(0, control.get())) control.release();
+  mControls.Insert(0, control.release());
 }
 
 int IGraphics::AttachControl(IControl* control) {

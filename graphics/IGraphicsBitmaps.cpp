@@ -44,10 +44,10 @@ constexpr int kDerived = -1;
 BitmapCache gBitmaps;
 
 IBitmap Retained(std::unique_ptr<LICE_MemBitmap> pixels, int n, bool framesAreHorizontal) {
-  IBitmap bitmap(static_cast<LICE_IBitmap*>(pixels.get()), pixels->getWidth(), pixels->getHeight(),
-                 n, framesAreHorizontal);
+  const int w = pixels->getWidth();
+  const int h = pixels->getHeight();
+  IBitmap bitmap(static_cast<LICE_IBitmap*>(pixels.release()), w, h, n, framesAreHorizontal);
   IGraphics::RetainBitmap(&bitmap);
-  pixels.release();
   return bitmap;
 }
 

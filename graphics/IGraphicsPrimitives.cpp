@@ -67,12 +67,13 @@ bool IGraphics::DrawRotatedBitmap(const IBitmap* bitmap, int destCtrX, int destC
                                   int yOffsetZeroDeg, const IChannelBlend* blend) {
   // The pivot lies below the picture's middle by the offset, and the upright picture is centred.
   const auto [mode, weight] = ModeOf(blend);
+  const int left = destCtrX - bitmap->W / 2;
+  const int top = destCtrY - bitmap->H / 2;
   const float pivotX = 0.5F * static_cast<float>(bitmap->W);
   const float pivotY = 0.5F * static_cast<float>(bitmap->H) + static_cast<float>(yOffsetZeroDeg);
-  LICE_RotatedBlit(mDrawBitmap.get(), PixelsOf(bitmap),
-                   static_cast<float>(destCtrX - bitmap->W / 2) + pivotX,
-                   static_cast<float>(destCtrY - bitmap->H / 2) + pivotY, pivotX, pivotY,
-                   static_cast<float>(angle), weight, mode | LICE_BLIT_FILTER_BILINEAR);
+  LICE_RotatedBlit(mDrawBitmap.get(), PixelsOf(bitmap), static_cast<float>(left) + pivotX,
+                   static_cast<float>(top) + pivotY, pivotX, pivotY, static_cast<float>(angle),
+                   weight, mode | LICE_BLIT_FILTER_BILINEAR);
   return true;
 }
 

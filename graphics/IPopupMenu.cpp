@@ -5,8 +5,7 @@ IPopupMenuItem::IPopupMenuItem(const char* text, int flags, IPopupMenu* submenu)
     : mText(text), mSubmenu(submenu), mFlags(flags) {}
 
 void IPopupMenu::Insert(std::unique_ptr<IPopupMenuItem> item, int index) {
-  const int at = index < 0 ? GetNItems() : index;
-  if (mMenuItems.Insert(at, item.get())) item.release();
+  mMenuItems.Insert(index < 0 ? GetNItems() : index, item.release());
 }
 
 void IPopupMenu::AddItem(const char* text, int index, int flags) {
