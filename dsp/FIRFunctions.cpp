@@ -44,12 +44,14 @@ void convolve_spectra(const Samples& a, const Samples& b, Samples& c, int a_powe
   AlignedVector<complex> A(static_cast<std::size_t>(bins));
   AlignedVector<complex> B(static_cast<std::size_t>(bins));
 
-  std::copy(b.begin(), b.end(), time.begin());
-  fft.forward_real_2_cpx(time, B);
-  std::fill(time.begin(), time.end(), 0.0f);
-  std::copy(a.begin(), a.end(), time.begin());
-  fft.forward_real_2_cpx(time, A);
-
+  const auto spectrum_of = [&](const Samples& x, AlignedVector<complex>& X) {
+    std::fill(time.begin(), time.end(), 0.0f);
+    // An empty partner or a power of 0 leaves less room than x is long.
+    std::copy_n(x.begin(), std::min(x.size(), time.size()), time.begin());
+    fft.forward_real_2_cpx(time, X);
+  };
+  spectrum_of(b, B);
+  spectrum_of(a, A);
   if (a_power != 1) raise_spectrum(A.data(), bins, a_power);
   if (b_power != 1) raise_spectrum(B.data(), bins, b_power);
   VectorizedFunctions<float>::cpx_mult_inplace_fastest(A.data(), B.data(), bins);

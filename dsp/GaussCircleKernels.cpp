@@ -11,16 +11,19 @@ namespace {
 
 // One addition of the previous row, moved up by a squared coordinate and scaled.
 struct Shift {
-  int m2;
+  std::ptrdiff_t back;  // from a cell to its source: the squared coordinate, negated
   float factor;
+
+  // The first cell that has a source.
+  int first_cell() const { return static_cast<int>(-back); }
 };
 
-// A tile and the parts of the previous row that one pass reads fit into the second-level cache.
-constexpr int kTileCells = 1 << 16;
+// A tile and the parts of the previous row that one pass reads stay in the second-level cache.
+constexpr int kTileCells = 1 << 15;
 // Shifts per pass: as many streams as the processor fetches ahead.
 constexpr std::size_t kGroup = 12;
-// Sums held in registers at a time.
-constexpr int kVectors = 8;
+// Sums held in registers at a time; a factor and a product need two of the sixteen.
+constexpr int kVectors = 12;
 
 std::size_t to_size(int n) { return static_cast<std::size_t>(n); }
 
@@ -30,7 +33,7 @@ void add_block(float* row, const float* previous, const Shift* first, const Shif
   Float4 sum[vectors];
   for (int k = 0; k < vectors; ++k) sum[k] = Float4::load_aligned(row + 4 * k);
   for (const Shift* shift = first; shift != last; ++shift) {
-    const float* const source = previous - shift->m2;
+    const float* const source = previous + shift->back;
     const Float4 factor = Float4::set1(shift->factor);
     for (int k = 0; k < vectors; ++k) sum[k] = sum[k] + Float4::load(source + 4 * k) * factor;
   }
@@ -38,7 +41,7 @@ void add_block(float* row, const float* previous, const Shift* first, const Shif
 }
 
 void add_cell(float* row, const float* previous, const Shift* first, const Shift* last) {
-  for (; first != last; ++first) *row += *(previous - first->m2) * first->factor;
+  for (; first != last; ++first) *row += previous[first->back] * first->factor;
 }
 
 // Adds all shifts to cells from to end - 1, all of which every shift reaches.
@@ -53,15 +56,15 @@ void add_shifts(float* row, const float* previous, const Shift* first, const Shi
   for (; i < end; ++i) add_cell(row + i, previous + i, first, last);
 }
 
-// Adds a group of shifts to cells from to end - 1. A shift reaches the cells from its m2 on; along
-// a group m2 falls and then rises, so those that reach a cell are neighbours.
+// Adds a group of shifts to cells from to end - 1. A shift reaches the cells from its first on;
+// along a group that falls and then rises, so the shifts that reach a cell are neighbours.
 void add_group(float* row, const float* previous, const Shift* first, const Shift* last, int from,
                int end) {
   while (from < end) {
-    const auto reaches = [from](const Shift& shift) { return shift.m2 <= from; };
+    const auto reaches = [from](const Shift& shift) { return shift.first_cell() <= from; };
     int next = end;
     for (const Shift* shift = first; shift != last; ++shift) {
-      if (!reaches(*shift)) next = std::min(next, shift->m2);
+      if (!reaches(*shift)) next = std::min(next, shift->first_cell());
     }
     const Shift* const begin = std::find_if(first, last, reaches);
     add_shifts(row, previous, begin, std::find_if_not(begin, last, reaches), from, next);
@@ -81,9 +84,9 @@ std::vector<Shift> shifts_of_axis(const GaussCircle<float>& lattice, std::size_t
   const auto [a, b] = lattice.images_within(lattice.S, d);
   std::vector<Shift> shifts;
   for (int n = o != 0 ? a : 1; n <= b; ++n) {
-    const int x = n * L + o;
+    const std::ptrdiff_t x = n * L + o;
     const float factor = lattice.weight_powers[d][to_size(std::abs(n))];
-    if (factor > 0) shifts.push_back({x * x, factor});
+    if (factor > 0) shifts.push_back({-x * x, factor});
   }
   return shifts;
 }
@@ -97,8 +100,9 @@ void GaussCircle<T>::compute_C_vectorized() {
   for (std::size_t d = 1; d < to_size(D); ++d) {
     T* const row = C[d].data();
     const T* const previous = C[d - 1].data();
-    for (const auto [m2, factor] : shifts_of_axis(*this, d)) {
-      for (int i = 0; i <= S2 - m2; ++i) row[i + m2] += previous[i] * factor;
+    for (const Shift shift : shifts_of_axis(*this, d)) {
+      for (int i = shift.first_cell(); i <= S2; ++i)
+        row[i] += previous[i + shift.back] * shift.factor;
     }
     if (dim_offsets[d] == 0) fold(row, previous, 0, S2 + 1);
   }
