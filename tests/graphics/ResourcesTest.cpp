@@ -1,8 +1,10 @@
 // Bitmaps from files, the caches that editors share, fonts, and the windowless platform's paths.
 #include <png.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <string>
 #include <thread>
 
 #include "graphics/IControls.h"
@@ -23,10 +25,11 @@ void WritePNG(const fs::path& path, int w, int h) {
   ASSERT_NE(png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, nullptr), 0);
 }
 
-// A folder of bitmaps. The cache outlives every case, so each case uses ids of its own.
+// A folder of bitmaps, this process' own, as cases run side by side. The cache outlives every case,
+// so each case uses ids of its own.
 class Resources : public EditorTest {
  protected:
-  Resources() : folder(fs::path(::testing::TempDir()) / "tolmara_graphics_test") {
+  Resources() : folder(fs::path(::testing::TempDir()) / ("tolmara_" + std::to_string(getpid()))) {
     fs::create_directories(folder);
     WritePNG(folder / "Two.png", 12, 20);
     IGraphicsOffscreen::SetResourceFolder(folder.string());
