@@ -42,7 +42,7 @@ TEST_F(TolmaraTest, WetSoundIsTheInputConvolvedWithTheResponse) {
   // Bursts, so that the direct convolution stays short.
   Sound dry = NoiseSound(2, 44100, 3000, kWavFloat);
   for (std::size_t i = 0; i < dry.samples.size(); ++i)
-    if (i / 2 % 1000 >= 60) dry.samples[i] = 0;
+    if (i / 2 % 1500 >= 25) dry.samples[i] = 0;
   Write("in.wav", dry);
   const std::vector<std::vector<std::string>> settings = {
       {"--preset", "X-zone"},
