@@ -18,10 +18,11 @@ scripts/install-packages.sh "${packages[@]}"
 scripts/check-layers
 scripts/check-format
 cmake --preset "$preset" -DTOLMARA_WERROR=ON >/dev/null
-cmake --build --preset "$preset"
 if [[ $preset == fuzz ]]; then
+  cmake --build --preset fuzz --target fuzzers
   exec scripts/fuzz.sh "build/$preset"
 fi
+cmake --build --preset "$preset"
 
 export UBSAN_OPTIONS=print_stacktrace=1
 run=(ctest --test-dir "build/$preset" --output-on-failure -j2)
