@@ -217,6 +217,7 @@ TEST(AudioCalls, MidiIsAskedForOnceABlock) {
   Rig rig(options);
   Blocks<float> b(3000);
   rig.effect->processReplacing(rig.effect, b.inputs, b.outputs, 3000);
+  rig.effect->processReplacing(rig.effect, b.inputs, b.outputs, 0);
   EXPECT_EQ(rig.host.Count(audioMasterWantMidi), 1);
   Rig without;
   without.effect->processReplacing(without.effect, b.inputs, b.outputs, 10);
@@ -235,6 +236,8 @@ TEST(AudioCalls, PassThroughUsesTheDelayLineWhenThereIsLatency) {
   rig.plug->AttachOutputBuffers(0, 2, b.outputs);
   rig.plug->PassThroughBuffers(0.0, 5);
   EXPECT_EQ(b.out[0], (std::vector<double>{0, 0, 0, 100, 101}));
+  rig.plug->PassThroughBuffers(0.0, 4);
+  EXPECT_EQ(b.out[1], (std::vector<double>{202, 203, 204, 200, 201}));
   rig.plug->ZeroScratchBuffers();
 }
 

@@ -346,6 +346,33 @@ TEST(Editor, OpensClosesAndGoesWithThePlugIn) {
             "OpenWindow GUIOpen OpenWindow GUIClose CloseWindow GUIClose CloseWindow");
 }
 
+// Keeps the values that reach it.
+class ListeningControl : public IControl {
+ public:
+  ListeningControl(IPlugBase* plug, std::vector<double>* values)
+      : IControl(plug, IRECT(0, 0, 9, 9), kTapered), mValues(values) {}
+  bool Draw(IGraphics*) override { return true; }
+  void SetValueFromPlug(double value) override { mValues->push_back(value); }
+
+ private:
+  std::vector<double>* mValues;
+};
+
+TEST(Editor, ControlsFollowTheHostWithNumbersOnly) {
+  Rig rig;
+  std::vector<double> values;
+  auto* editor = new FakeEditor(rig.plug.get());
+  editor->AttachControl(new ListeningControl(rig.plug.get(), &values));
+  rig.plug->AttachGraphics(editor);
+  rig.effect->setParameter(rig.effect, kTapered, 0.75F);
+  rig.effect->setParameter(rig.effect, kTapered, NAN);
+  char text[] = "25";
+  rig.Dispatch(effString2Parameter, kTapered, 0, text);
+  rig.plug->GetParam(kTapered)->Set(100);
+  rig.plug->RedrawParamControls();
+  EXPECT_EQ(values, (std::vector<double>{0.5, 0.75, 0.0, 0.5, 1.0}));
+}
+
 // Follows what happens at the end of an object whose log goes with it.
 class LastEditor : public FakeEditor {
  public:

@@ -1,8 +1,10 @@
 // Program and bank files: their bytes, their damages, and what reading them does.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <bit>
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -280,6 +282,16 @@ TEST(Files, SavingReplacesAndLoadingRefusesTheHuge) {
   ASSERT_TRUE(WriteFileBytes(path.c_str(), "abc", 3));
   ASSERT_TRUE(ReadFileBytes(path.c_str(), &bytes));
   EXPECT_EQ(bytes, (Bytes{'a', 'b', 'c'}));
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  const rlimit small{1000, old.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  EXPECT_FALSE(WriteFileBytes(path.c_str(), longer.data(), longer.size())) << "no room";
+  std::signal(SIGXFSZ, handler);
+  setrlimit(RLIMIT_FSIZE, &old);
+  EXPECT_EQ(std::filesystem::file_size(path), 3U) << "the old file stays";
+  EXPECT_FALSE(std::filesystem::exists(path + ".part"));
   std::filesystem::resize_file(path, (std::uintmax_t{64} << 20) + 1);
   EXPECT_FALSE(ReadFileBytes(path.c_str(), &bytes));
   std::filesystem::remove(path);

@@ -60,6 +60,7 @@ TEST(Threads, InstancesAreConstructedOneAtATime) {
           [](audioMasterCallback callback) -> IPlugVST* {
             EXPECT_EQ(inside.fetch_add(1), 0);
             auto* plug = new TestPlug(callback);
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
             inside.fetch_sub(1);
             return plug;
           },
