@@ -165,7 +165,9 @@ TEST(Numbers, ReadingIsAsLenientAsTheLibrarysOwn) {
   }
   EXPECT_EQ(NumberFromText(nullptr), 0.0);
   EXPECT_TRUE(std::isnan(NumberFromText("nan")));
-  EXPECT_EQ(NumberFromText((std::string(400, '9') + ".0").c_str()), kInf);
+  std::string beyond(400, '9');
+  beyond += ".0";
+  EXPECT_EQ(NumberFromText(beyond.c_str()), kInf);
   EXPECT_EQ(NumberFromText(("0." + std::string(400, '0') + "1").c_str()), 0.0);
 }
 
