@@ -19,7 +19,6 @@ static_assert(sizeof(Spec) >= 768, "callers count on spec blocks of at least tha
 constexpr std::uintptr_t kAlignment = 64;
 constexpr int kLargestOrder = 29;  // of a power of two
 constexpr int kTooLong = 1 << 27;  // for any other length
-constexpr int kTooLongForOddConvolution = 1 << 26;
 
 template <class T>
 T* align(void* block) {
@@ -56,8 +55,6 @@ IppStatus set_up(int length, int flag, int hint, dft::Setup& setup) {
   }
   if (length > dft::kLargestSmall) {
     setup = dft::plan(length);
-    const bool odd = length % 2 != 0;
-    if (odd && setup.spec.chirp && length >= kTooLongForOddConvolution) return ippStsSizeErr;
   } else {
     setup = {{}, sizeof(Spec), 0, 0};
     setup.spec.identifier = dft::kIdentifier;
@@ -67,6 +64,7 @@ IppStatus set_up(int length, int flag, int hint, dft::Setup& setup) {
   setup.spec.hint = hint;
   setup.spec.forward_scale = scale_of(length, flag, IPP_FFT_DIV_FWD_BY_N);
   setup.spec.inverse_scale = scale_of(length, flag, IPP_FFT_DIV_INV_BY_N);
+  // Among others an odd length from 2^26 on that needs a convolution ends here.
   for (std::int64_t* bytes : {&setup.spec_bytes, &setup.init_bytes, &setup.work_bytes}) {
     *bytes = with_slack(*bytes);
     if (*bytes > INT_MAX) return ippStsSizeErr;

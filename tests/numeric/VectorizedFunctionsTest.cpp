@@ -143,6 +143,9 @@ TEST(VectorizedFunctions, StrictProductsKeepDirectionsToInfinity) {
   EXPECT_GT(recovered, 100);
   // An overflow without any infinity, with a NaN part: the sign comes from the parts that remain.
   EXPECT_EQ(complex_product::strict({3e38F, kNaN}, {2.0F, 3e38F}).imag(), kInfinity);
+  // A NaN beside an infinity, or against one, counts as 0.
+  EXPECT_EQ(complex_product::strict({kInfinity, 0.0F}, {1.0F, kNaN}).real(), kInfinity);
+  EXPECT_EQ(complex_product::strict({kNaN, 1.0F}, {kInfinity, 0.0F}).imag(), kInfinity);
   EXPECT_EQ(complex_product::strict({kInfinity, kNaN}, {-1.0F, -1.0F}),
             complex(-kInfinity, -kInfinity));
 }
