@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # demo.sh: installs what is missing, builds Tolmara, reverberates the demo sound into out/ and draws
-# what happened. Run again, it only builds what has changed.
+# what happened, and the editor. Run again, it only builds what has changed.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -34,6 +34,7 @@ for kind in envelope level spectrogram; do
   "$plot_data" $kind "$out/hall-response.wav" >"$columns/response.$kind"
 done
 "$plot_data" decay "$out/hall-response.wav" >"$columns/response.decay"
+"$tolmara" screenshot "$out/editor.png" --preset Hall
 gnuplot -e "folder='$columns'; picture='$out/hall.png'; name='Hall'" resources/demo/plot.gp
 
 cat <<END
@@ -44,5 +45,6 @@ Listen to these, the dry sound first:
   $PWD/$out/plate.flac      a long plate
   $PWD/$out/cathedral.flac  four dimensions
   $PWD/$out/five-dim.flac   five dimensions, which no real room has
-and look at $PWD/$out/hall.png. The hall's impulse response is hall-response.wav beside it.
+and look at $PWD/$out/hall.png and, for the editor, $PWD/$out/editor.png.
+The hall's impulse response is hall-response.wav beside them.
 END
