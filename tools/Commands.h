@@ -11,3 +11,4 @@ void AddSavePresetCommand(CLI::App& app);
 void AddSaveBankCommand(CLI::App& app);
 void AddShowCommand(CLI::App& app);
 void AddScreenshotCommand(CLI::App& app);
+void AddEditorCommand(CLI::App& app);

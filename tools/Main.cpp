@@ -12,8 +12,9 @@
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&) = {
-    AddRenderCommand,     AddResponseCommand, AddParamsCommand, AddPresetsCommand,
-    AddSavePresetCommand, AddSaveBankCommand, AddShowCommand,   AddScreenshotCommand,
+    AddRenderCommand,  AddResponseCommand,   AddParamsCommand,
+    AddPresetsCommand, AddSavePresetCommand, AddSaveBankCommand,
+    AddShowCommand,    AddScreenshotCommand, AddEditorCommand,
 };
 
 constexpr const char* kAbout =
