@@ -227,6 +227,17 @@ TEST_P(EveryVariant, ScalesTheDirectionThatTheFlagNames) {
   }
 }
 
+TEST_P(EveryVariant, StoresZeroWhereSymmetryAsksForItWhateverTheInput) {
+  for (const int n : {6, 15, 64, 63, 106, 1024}) {
+    AlignedVector<float> x(static_cast<std::size_t>(n));
+    x[1] = std::numeric_limits<float>::infinity();
+    const auto X = Dft(n).forward(x.data());
+    EXPECT_EQ(X[0].imag(), 0.0F) << n;
+    EXPECT_TRUE(n % 2 != 0 || X.back().imag() == 0.0F) << n;
+    EXPECT_FALSE(std::isfinite(X[1].real())) << n;
+  }
+}
+
 TEST(Dft, TinyLengthsAreExact) {
   const float x[] = {3.0F, -5.0F};
   EXPECT_EQ(Dft(1).forward(x), (AlignedVector<complex>{{3.0F, 0.0F}}));
