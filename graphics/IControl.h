@@ -54,6 +54,9 @@ class IControl {
   const IRECT& GetRECT() const { return mRECT; }
   const IRECT& GetTargetRECT() const { return mTargetRECT; }
   void SetTargetRECT(const IRECT& rect) { mTargetRECT = rect; }
+  // All that the last drawing may have painted: the rectangle and texts that stand out of it.
+  IRECT GetReach() const { return mRECT.Union(mInk); }
+  void SetInk(const IRECT& ink) { mInk = ink; }
   int ParamIdx() const { return mParamIdx; }
   double GetValue() const { return Load(mValue); }
   double GetDefaultValue() const { return Load(mDefaultValue); }
@@ -115,4 +118,5 @@ class IControl {
   IChannelBlend mBlend;
   ITextControl* mValDisplayControl = nullptr;   // shows the parameter's value; not owned
   ITextControl* mNameDisplayControl = nullptr;  // shows the parameter's name; not owned
+  IRECT mInk;                                   // texts of the last drawing; kept by IGraphics
 };

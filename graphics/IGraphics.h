@@ -87,7 +87,8 @@ class IGraphics {
   void OnGUIIdle();
 
   // Frames. IsDirty sets `rect` to the union of all dirty controls and allocates nothing; Draw
-  // takes that rectangle, changes no pixel outside it and cleans every control.
+  // takes that rectangle, draws it anew and cleans every control. Outside of it only those texts
+  // change that stand out of a control which lies in it.
   bool IsDirty(IRECT* rect);
   bool Draw(IRECT* rect);
 
@@ -146,9 +147,10 @@ class IGraphics {
   bool DrawRadialLine(const IColor* color, float cx, float cy, float angle, float rMin, float rMax,
                       const IChannelBlend* blend = nullptr, bool antiAlias = false);
   // Draws, or with `measure` only sets `rect` to the area taken; `bitmap` may then be null. True
-  // for an empty text; false when no font can be made.
+  // for an empty text; false when no font can be made. Drawing unites `ink`, if given, with the
+  // area that it may have changed.
   static bool DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, IRECT* rect,
-                         bool measure);
+                         bool measure, IRECT* ink = nullptr);
   // Sets `rect` to the area that `str` takes where DrawIText would put it. False without a font.
   bool MeasureIText(IText* text, const char* str, IRECT* rect);
   IBitmap ScaleBitmap(const IBitmap* bitmap, int w, int h);
@@ -171,16 +173,17 @@ class IGraphics {
  protected:
   // Who gets an event there: the control that holds the mouse, else the topmost; -1 for none.
   int GetMouseControlIdx(int x, int y, bool mouseOver = false) const;
+  IRECT mInk;  // texts of the control that is being drawn; DrawIText widens it
 
  private:
   void CaptureMouse(int controlIdx, int x, int y);
   void InsertBackground(std::unique_ptr<IControl> control);
   void DeleteControls();
-  void DrawStrict(const IRECT& rect);
   void DrawAll();
-  void DrawWithNeighbours(int controlIdx);
-  template <class DrawFn>
-  void DrawInside(const IRECT& rect, DrawFn draw);
+  IRECT DrawArea(const IRECT& rect, bool clean);
+  void DrawInside(const IRECT& area, bool clean);
+  void DrawControl(IControl* control);
+  IRECT WithReach(IRECT rect) const;
   void PromptWithMenu(IControl* control, IParam* param, IRECT* rect);
 
   PointerList<IControl> mControls;  // owned

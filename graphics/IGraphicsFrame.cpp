@@ -16,41 +16,68 @@ bool IGraphics::IsDirty(IRECT* rect) {
 bool IGraphics::Draw(IRECT* rect) {
   if (mControls.GetSize() == 0) return true;
   if (!mDrawBitmap) return false;
+  IRECT drawn = *rect;
   if (mStrict) {
-    DrawStrict(*rect);
+    drawn = DrawArea(*rect, true);
   } else if (mControls.Get(0)->IsDirty()) {
     DrawAll();
   } else {
     for (int i = 1; i < mControls.GetSize(); ++i) {
-      if (mControls.Get(i)->IsDirty()) DrawWithNeighbours(i);
-    }
-  }
-  return DrawScreen(rect);
-}
-
-// Controls draw past the rectangle in hand. Text and translucent lines laid twice over the same
-// pixels would grow bolder with each frame, so only what lies inside reaches the canvas.
-template <class DrawFn>
-void IGraphics::DrawInside(const IRECT& rect, DrawFn draw) {
-  const auto copy = [&rect](LICE_IBitmap* to, const LICE_IBitmap* from) {
-    LICE_Blit(to, from, rect.L, rect.T, rect.L, rect.T, rect.W(), rect.H(), 1.0F,
-              LICE_BLIT_MODE_COPY);
-  };
-  mDrawRECT = rect;
-  copy(mFrameBitmap.get(), mDrawBitmap.get());
-  mDrawBitmap.swap(mFrameBitmap);
-  draw();
-  mDrawBitmap.swap(mFrameBitmap);
-  copy(mDrawBitmap.get(), mFrameBitmap.get());
-}
-
-void IGraphics::DrawStrict(const IRECT& rect) {
-  DrawInside(rect, [this] {
-    for (IControl* control : mControls) {
-      if (!control->IsHidden() && control->GetRECT().Intersects(mDrawRECT)) control->Draw(this);
+      IControl* control = mControls.Get(i);
+      if (!control->IsDirty()) continue;
+      drawn = drawn.Union(DrawArea(control->GetRECT(), false));
       control->SetClean();
     }
-  });
+  }
+  return DrawScreen(&drawn);
+}
+
+// The rectangle and all that the controls which lie in it reach.
+IRECT IGraphics::WithReach(IRECT rect) const {
+  const IRECT inner = rect;
+  for (const IControl* control : mControls) {
+    if (control->GetRECT().Intersect(inner) == control->GetRECT()) {
+      rect = rect.Union(control->GetReach());
+    }
+  }
+  return rect;
+}
+
+// Draws what meets the rectangle; with `clean` cleans every control. Returns the area drawn anew.
+IRECT IGraphics::DrawArea(const IRECT& rect, bool clean) {
+  // What the texts of the last frame covered goes with the rectangle.
+  const IRECT area = WithReach(rect);
+  DrawInside(area, clean);
+  // A text may have grown beyond the one that it replaces.
+  const IRECT grown = area.Union(WithReach(rect));
+  if (grown != area) DrawInside(grown, false);
+  return grown;
+}
+
+// Controls draw past the area in hand. Text and translucent lines laid twice over the same pixels
+// would grow bolder with each frame, so they draw on an empty bitmap, of which only what lies
+// inside reaches the canvas.
+void IGraphics::DrawInside(const IRECT& area, bool clean) {
+  mDrawRECT = area;
+  LICE_FillRect(mFrameBitmap.get(), area.L, area.T, area.W(), area.H(), kColorBlack.Pixel());
+  mDrawBitmap.swap(mFrameBitmap);
+  for (IControl* control : mControls) {
+    if (control->IsHidden()) {
+      control->SetInk({});
+    } else if (control->GetReach().Intersects(area)) {
+      DrawControl(control);
+    }
+    if (clean) control->SetClean();
+  }
+  mDrawBitmap.swap(mFrameBitmap);
+  LICE_Blit(mDrawBitmap.get(), mFrameBitmap.get(), area.L, area.T, area.L, area.T, area.W(),
+            area.H(), 1.0F, LICE_BLIT_MODE_COPY);
+}
+
+void IGraphics::DrawControl(IControl* control) {
+  mInk.Clear();
+  control->Draw(this);
+  control->SetInk(mInk);
 }
 
 void IGraphics::DrawAll() {
@@ -58,18 +85,7 @@ void IGraphics::DrawAll() {
   for (int i = 0; i < mControls.GetSize(); ++i) {
     IControl* control = mControls.Get(i);
     if (i > 0 && control->IsHidden()) continue;
-    control->Draw(this);
+    DrawControl(control);
     control->SetClean();
   }
-}
-
-void IGraphics::DrawWithNeighbours(int controlIdx) {
-  IControl* dirty = mControls.Get(controlIdx);
-  DrawInside(dirty->GetRECT(), [this, dirty] {
-    for (IControl* control : mControls) {
-      if (control->IsHidden()) continue;
-      if (control == dirty || control->GetRECT().Intersects(mDrawRECT)) control->Draw(this);
-    }
-  });
-  dirty->SetClean();
 }

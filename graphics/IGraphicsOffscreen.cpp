@@ -44,7 +44,7 @@ std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind
 bool IGraphicsOffscreen::DrawScreen(IRECT*) { return false; }
 
 bool IGraphicsOffscreen::DrawIText(IText* text, const char* str, IRECT* rect) {
-  return DrawTextOn(GetDrawBitmap(), text, str, rect, false);
+  return DrawTextOn(GetDrawBitmap(), text, str, rect, false, &mInk);
 }
 
 void IGraphicsOffscreen::Resize(int w, int h) {

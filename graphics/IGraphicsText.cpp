@@ -1,4 +1,5 @@
 // The process-wide cache of fonts, and text on the canvas.
+#include <climits>
 #include <cstring>
 #include <vector>
 
@@ -106,7 +107,7 @@ IRECT Placed(const IRECT& rect, const LICE_Rect& extent, int align) {
 }  // namespace
 
 bool IGraphics::DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, IRECT* rect,
-                           bool measure) {
+                           bool measure, IRECT* ink) {
   if (!str || !*str) return true;
   const PlugLock::Guard guard(gFonts.Lock());
   LICE_CachedFont*& font = text->mCachedFont.font;
@@ -122,7 +123,11 @@ bool IGraphics::DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, I
   }
   if (text->mColor.A < 255) flags |= LICE_TEXT_USE_ALPHA;
   font->SetTextColor(text->mColor.Pixel());
-  font->DrawText(bitmap, str, -1, &area, flags);
+  LICE_Rect inked{INT_MAX, INT_MAX, INT_MIN, INT_MIN};
+  font->DrawText(bitmap, str, -1, &area, flags, &inked);
+  if (ink && inked.left < inked.right) {
+    *ink = ink->Union({inked.left, inked.top, inked.right, inked.bottom});
+  }
   return true;
 }
 

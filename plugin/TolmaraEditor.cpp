@@ -124,16 +124,18 @@ void Tolmara::AttachControls(IGraphics& graphics) {
     DefineParam(knob.param);
     AttachKnob(graphics, knob.param, knob.x, knob.y, knob.radius, KnobText());
   }
-  Load(graphics, kCircle);  // kept: loaded for no control, as the next but one
+  Load(graphics, kCircle);  // kept: loaded for no control, as the last
   const IBitmap depthHandle = Load(graphics, kDepthHandle);
   const IBitmap sizeHandle = Load(graphics, kSizeHandle);
+  IBitmap switches[kNumDims];
+  for (int d = 0; d < kNumDims; ++d) switches[d] = Load(graphics, kDimSwitches[d]);
   Load(graphics, kFastMode);
   DefineParam(kRenderMode);
   graphics.AttachControl(new IComputeModePopupMenu(this, {855, 343, 893, 355}, kRenderMode));
   DefineParam(kNormalizationMode);
   graphics.AttachControl(new INormModePopupMenu(this, {707, 343, 740, 355}, kNormalizationMode));
   for (int d = 0; d < kNumDims; ++d) {
-    AttachDimension(graphics, d, Load(graphics, kDimSwitches[d]), sizeHandle, depthHandle);
+    AttachDimension(graphics, d, switches[d], sizeHandle, depthHandle);
   }
   DefineParam(kDummyVar);
   AttachDisplayAndLinks(graphics);
@@ -152,17 +154,19 @@ void Tolmara::AttachDimension(IGraphics& graphics, int d, const IBitmap& onOff,
   static const IText faderText = TextStyle(11, kColorWhite);
   static const IText reflectionText = TextStyle(11, kCream);
   const int y = kFirstRow + kRowDistance * d;
-  for (int field = 0; field < kNumDimFields; ++field) {
-    DefineParam(DimParam(d, static_cast<DimField>(field)));
-  }
-  graphics.AttachControl(new ISwitchControl(this, 60, y - 16, DimParam(d, kDimEnabled), onOff));
-  graphics.AttachControl(new IFaderMultiControlText(this, kFaderLeft, y - 24, kFaderLength,
-                                                    DimParam(d, kDimSize), sizeHandle, kHorizontal,
-                                                    true, faderText, kSizeTextDivisor));
-  graphics.AttachControl(
-      new IFaderMultiControlText(this, kFaderLeft, y, kFaderLength, DimParam(d, kDimDepth),
-                                 depthHandle, kHorizontal, true, faderText, kDepthTextDivisor));
-  AttachKnob(graphics, DimParam(d, kDimRefl), 512, y, 20, reflectionText);
+  const auto defined = [this, d](DimField field) {
+    DefineParam(DimParam(d, field));
+    return DimParam(d, field);
+  };
+  const auto attachFader = [&](int top, DimField field, const IBitmap& handle, double divisor) {
+    graphics.AttachControl(new IFaderMultiControlText(this, kFaderLeft, top, kFaderLength,
+                                                      defined(field), handle, kHorizontal, true,
+                                                      faderText, divisor));
+  };
+  graphics.AttachControl(new ISwitchControl(this, 60, y - 16, defined(kDimEnabled), onOff));
+  attachFader(y - 24, kDimSize, sizeHandle, kSizeTextDivisor);
+  attachFader(y, kDimDepth, depthHandle, kDepthTextDivisor);
+  AttachKnob(graphics, defined(kDimRefl), 512, y, 20, reflectionText);
 }
 
 void Tolmara::AttachDisplayAndLinks(IGraphics& graphics) {

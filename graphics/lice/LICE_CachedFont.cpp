@@ -75,8 +75,9 @@ double AlignedLeft(const LICE_Rect& rect, double width, int flags) {
 }
 
 // Mixes the colour into the bitmap as a blit would whose source's alpha is the glyph's coverage.
+// Widens `inked` to the part of the glyph that lies in the bitmap.
 void PaintGlyph(const LICE_Surface& s, const LICE_GlyphImage& glyph, std::int64_t x, std::int64_t y,
-                LICE_pixel color, int a) {
+                LICE_pixel color, int a, LICE_Rect& inked) {
   const auto first = [](std::int64_t at) { return std::max<std::int64_t>(0, -at); };
   const auto last = [](std::int64_t at, int n, int size) {
     return std::min<std::int64_t>(n, size - at);
@@ -89,6 +90,11 @@ void PaintGlyph(const LICE_Surface& s, const LICE_GlyphImage& glyph, std::int64_
       p = LICE_CopyMode::MixAlpha(p, (color & ~LICE_pixel{0xFF}) | glyph.coverage[index], a);
     }
   }
+  if (first(x) >= columns || first(y) >= rows) return;
+  inked.left = std::min(inked.left, static_cast<int>(x + first(x)));
+  inked.top = std::min(inked.top, static_cast<int>(y + first(y)));
+  inked.right = std::max(inked.right, static_cast<int>(x + columns));
+  inked.bottom = std::max(inked.bottom, static_cast<int>(y + rows));
 }
 
 }  // namespace
@@ -136,7 +142,7 @@ LICE_CachedFont::Extent LICE_CachedFont::ExtentOf(const std::vector<char32_t>& c
 }
 
 int LICE_CachedFont::DrawText(LICE_IBitmap* bitmap, const char* text, int length, LICE_Rect* rect,
-                              int flags) {
+                              int flags, LICE_Rect* inked) {
   const std::scoped_lock lock(mMutex);
   if (!mFont || !rect) return 0;
   const std::vector<char32_t> codes = Decode(text, length);
@@ -151,10 +157,11 @@ int LICE_CachedFont::DrawText(LICE_IBitmap* bitmap, const char* text, int length
   const LICE_Surface surface(bitmap);
   double x = AlignedLeft(*rect, box.width, flags) - box.left;
   double y = rect->top - box.top;
+  LICE_Rect unused{};
   for (const char32_t code : codes) {
     const LICE_GlyphImage& glyph = GlyphOf(code);
     PaintGlyph(surface, glyph, std::lround(x) + glyph.left, std::lround(y) - glyph.top, mColor,
-               LICE_Weight256(weight));
+               LICE_Weight256(weight), inked ? *inked : unused);
     x += glyph.advance * std::cos(mFont->Turn());
     y -= glyph.advance * std::sin(mFont->Turn());
   }

@@ -41,8 +41,10 @@ class LICE_CachedFont {
   // horizontally in `rect` by `flags`, its line box starting at the top of `rect`, clipped to
   // nothing but the bitmap. Returns the height of the text, 0 without a font. With
   // LICE_TEXT_MEASURE (`bitmap` may be null) it only sets rect's right and bottom to its left and
-  // top plus the size of the text.
-  int DrawText(LICE_IBitmap* bitmap, const char* text, int length, LICE_Rect* rect, int flags);
+  // top plus the size of the text. Drawing widens `inked`, if given, to hold all pixels that it
+  // may have changed.
+  int DrawText(LICE_IBitmap* bitmap, const char* text, int length, LICE_Rect* rect, int flags,
+               LICE_Rect* inked = nullptr);
   int GetLineHeight();  // pixels; 0 without a font
 
   struct Extent {
