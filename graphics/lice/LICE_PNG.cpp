@@ -48,6 +48,8 @@ bool ReadHeader(Decoder& d) {
   if (!d.info) return false;
   if (setjmp(png_jmpbuf(d.png))) return false;
   png_set_user_limits(d.png, kMaxSide, kMaxSide);
+  // Damage counts wherever it is: without the chunk of its transparency a picture is another.
+  png_set_crc_action(d.png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
   png_set_read_fn(d.png, &d, OnRead);
   png_read_info(d.png, d.info);
   png_set_expand(d.png);
@@ -68,6 +70,7 @@ bool ReadHeader(Decoder& d) {
 bool ReadPixels(Decoder& d, png_bytepp rows) {
   if (setjmp(png_jmpbuf(d.png))) return false;
   png_read_image(d.png, rows);
+  png_read_end(d.png, nullptr);  // checks what follows the last pixel
   return true;
 }
 

@@ -137,41 +137,23 @@ TEST(LoadPng, ReadsEveryKindOfFileAsTheSamePixels) {
   }
 }
 
-TEST(LoadPng, GivesNothingForTruncatedFiles) {
-  const Bytes file = Encode(kSmall);
-  for (std::size_t n = 0; n < file.size(); ++n) {
-    LICE_MemBitmap into(5, 5);
-    const Bytes part(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(n));
-    // All pixels are there once only the end mark (12 bytes) and a checksum are missing.
-    if (LICE_LoadPNGFromMemory(part.data(), n, &into)) {
-      EXPECT_GE(n + 16, file.size());
-      EXPECT_TRUE(SameScreen(into, ExpectedPixels(kSmall)));
-    } else {
-      EXPECT_EQ(into.getWidth(), 0) << n;
-    }
-  }
-}
-
-TEST(LoadPng, SurvivesDamageOfAnyByte) {
+TEST(LoadPng, GivesNothingForTruncatedOrDamagedFiles) {
   constexpr std::size_t kHeaderData = 16, kHeaderCrc = 29;
   const Bytes file = Encode({PNG_COLOR_TYPE_PALETTE, 4, true});
-  int loaded = 0;
-  for (int seed = 0; seed < 3000; ++seed) {
-    Random random(static_cast<std::uint64_t>(seed));
-    Bytes damaged = file;
-    for (int i = random.integer(1, 4); i > 0; --i) {
-      damaged[static_cast<std::size_t>(random.integer(0, static_cast<int>(file.size()) - 1))] =
-          static_cast<unsigned char>(random.integer(0, 255));
+  for (std::size_t n = 0; n < file.size(); ++n) {
+    LICE_MemBitmap into(5, 5);
+    EXPECT_FALSE(LICE_LoadPNGFromMemory(Bytes(file.data(), file.data() + n).data(), n, &into));
+    EXPECT_EQ(into.getWidth(), 0) << n;
+    for (int bit = 1; bit < 256; bit *= 2) {
+      Bytes damaged = file;
+      damaged[n] = static_cast<unsigned char>(damaged[n] ^ bit);
+      EXPECT_FALSE(Load(damaged)) << "byte " << n << " bit " << bit;
+      // Damage of the header that its checksum does not tell.
+      if (n < kHeaderData || n >= kHeaderCrc) continue;
+      WritePngCrc(&damaged[12], 17);
+      Load(damaged);
     }
-    if (Load(damaged)) ++loaded;
-    // Damage of the header that its checksum does not tell.
-    damaged = file;
-    const int at = random.integer(kHeaderData, kHeaderCrc - 1);
-    damaged[static_cast<std::size_t>(at)] = static_cast<unsigned char>(random.integer(0, 255));
-    WritePngCrc(&damaged[12], 17);
-    Load(damaged);
   }
-  EXPECT_LT(loaded, 1500);  // checksums find most of it
 }
 
 TEST(LoadPng, RefusesImagesThatAreTooLarge) {
