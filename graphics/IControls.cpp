@@ -92,6 +92,10 @@ bool IRadioButtonsControl::Draw(IGraphics* graphics) {
   return drawn;
 }
 
+IContactControl::IContactControl(IPlugBase* plug, int x, int y, int paramIdx, const IBitmap& bitmap,
+                                 IChannelBlend blend)
+    : ISwitchControl(plug, x, y, paramIdx, bitmap, blend) {}
+
 void IContactControl::OnMouseUp(int, int, IMouseMod*) {
   SetValue(0.0);
   SetDirty(true);

@@ -71,7 +71,8 @@ class IRadioButtonsControl : public IControl {
 // On only while the mouse is down.
 class IContactControl : public ISwitchControl {
  public:
-  using ISwitchControl::ISwitchControl;
+  IContactControl(IPlugBase* plug, int x, int y, int paramIdx, const IBitmap& bitmap,
+                  IChannelBlend blend = IChannelBlend());
   void OnMouseUp(int x, int y, IMouseMod* mod) override;
 };
 

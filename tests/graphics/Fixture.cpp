@@ -1,18 +1,19 @@
 // The recording plug-in and editor.
 #include "tests/graphics/Fixture.h"
 
-#include <array>
+#include <algorithm>
 #include <cstdio>
 
 TestPlug::TestPlug()
-    : IPlugBase(kNumTestParams, "2-2", 1, "Test", "", "Maker", 0x10000, 1, 2, 0, false, false,
-                false, 0) {
+    : IPlugVST([](AEffect*, std::int32_t, std::int32_t, VstIntPtr, void*,
+                  float) -> VstIntPtr { return 0; },
+               kNumTestParams, "2-2", 1, "Test", "", "Maker", 0x10000, 1, 2) {
   GetParam(kLevel)->InitDouble("Level", 0.25, 0.0, 1.0, 0.01, "dB");
   GetParam(kCount)->InitInt("Count", 4, 0, 10);
   GetParam(kColour)->InitEnum("Colour", 1, 3);
-  for (int i = 0; i < 3; ++i) {
-    GetParam(kColour)->SetDisplayText(i,
-                                      std::array{"red", "green", "blue"}[static_cast<size_t>(i)]);
+  int value = 0;
+  for (const char* text : {"red", "green", "blue"}) {
+    GetParam(kColour)->SetDisplayText(value++, text);
   }
   GetParam(kOnOff)->InitBool("OnOff", false);
   GetParam(kNegated)->InitDouble("Negated", 3.0, 0.0, 12.0, 0.1);
@@ -28,6 +29,7 @@ void TestPlug::InformHostOfParamChange(int idx, double normalizedValue) {
 bool TestGraphics::DrawIText(IText* text, const char* str, IRECT* rect) {
   lastText = str ? str : "";
   lastStyle = *text;
+  lastTextRect = *rect;
   return IGraphicsOffscreen::DrawIText(text, str, rect);
 }
 
@@ -76,9 +78,8 @@ IRECT TestGraphics::BoundsOf(uint32_t pixel) const {
 }
 
 int TestGraphics::CountOf(uint32_t pixel) const {
-  int n = 0;
-  for (int i = 0; i < Width() * Height(); ++i) n += PixelAt(i % Width(), i / Width()) == pixel;
-  return n;
+  const auto pixels = Pixels();
+  return static_cast<int>(std::count(pixels.begin(), pixels.end(), pixel));
 }
 
 bool ProbeControl::Draw(IGraphics* graphics) {

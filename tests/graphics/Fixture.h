@@ -10,9 +10,13 @@
 
 #include "graphics/IGraphicsOffscreen.h"
 #include "graphics/lice/LICE.h"
-#include "iplug/IPlugBase.h"
+#include "iplug/IPlugVST.h"
 
 using Calls = std::vector<std::string>;
+
+constexpr uint32_t kRed = kColorRed.Pixel();
+constexpr uint32_t kGreen = kColorGreen.Pixel();
+constexpr uint32_t kBlue = kColorBlue.Pixel();
 
 enum ETestParam {
   kLevel,    // double 0 to 1, default 0.25, two decimals, "dB"
@@ -24,24 +28,14 @@ enum ETestParam {
 };
 
 // Writes down each call as words: "begin 0", "set 0 0.500", "changed 0", "end 0".
-class TestPlug : public IPlugBase {
+class TestPlug : public IPlugVST {
  public:
   TestPlug();
   void OnParamChange(int idx) override { Note("changed", idx); }
   void BeginInformHostOfParamChange(int idx) override { Note("begin", idx); }
   void InformHostOfParamChange(int idx, double normalizedValue) override;
   void EndInformHostOfParamChange(int idx) override { Note("end", idx); }
-  void InformHostOfProgramChange() override {}
-  bool IsRenderingOffline() override { return false; }
-  int GetSamplePos() override { return 0; }
-  double GetTempo() override { return 0.0; }
-  void GetTimeSig(int*, int*) override {}
-  void GetTime(ITimeInfo*) override {}
-  int GetHost() override { return 0; }
   void ResizeGraphics() override { calls.push_back("resized"); }
-  void HostSpecificInit() override {}
-  bool SendMidiMsg(IMidiMsg*) override { return false; }
-  bool SendSysEx(ISysEx*) override { return false; }
 
   Calls TakeCalls() { return std::exchange(calls, {}); }
 
@@ -68,6 +62,7 @@ class TestGraphics : public IGraphicsOffscreen {
   // Draws what is dirty, as the window's timer does. False when nothing was.
   bool Tick();
   void DrawEverything();
+  std::vector<uint32_t> Pixels() const { return {GetBits(), GetBits() + Width() * Height()}; }
   uint32_t PixelAt(int x, int y) const { return LICE_GetPixel(GetDrawBitmap(), x, y); }
   // The smallest rectangle over the pixels of a colour, and how many they are.
   IRECT BoundsOf(uint32_t pixel) const;
@@ -75,8 +70,9 @@ class TestGraphics : public IGraphicsOffscreen {
 
   int screens = 0;  // how often the canvas went to the screen
   std::function<IPopupMenu*(IPopupMenu*)> chooseItem;
-  std::string lastText;  // drawn last, and its style
+  std::string lastText;  // drawn last, its style and where
   IText lastStyle;
+  IRECT lastTextRect;
   IRECT lastRect;         // of the last menu or field
   std::string fieldText;  // what the last field opened with
   std::string typedText;  // what the user makes of it; "" to leave it

@@ -64,25 +64,20 @@ TEST_F(MouseRouting, MouseOverEntersLeavesAndReachesGrayedControlsOnRequest) {
   graphics->OnMouseOver(15, 15, &left);
   EXPECT_EQ(lower->TakeEvents(), Calls()) << "off until asked for";
   graphics->HandleMouseOver(true);
-  graphics->OnMouseOver(15, 15, &left);
-  graphics->OnMouseOver(16, 15, &left);
-  graphics->OnMouseOver(35, 15, &left);
+  for (const int x : {15, 16, 35}) graphics->OnMouseOver(x, 15, &left);
   EXPECT_EQ(lower->TakeEvents(), (Calls{"over 15 15", "over 16 15", "out 0 0"}));
   EXPECT_EQ(upper->TakeEvents(), Calls{"over 35 15"});
   graphics->OnMouseOver(500, 500, &left);
   EXPECT_EQ(graphics->GetMouseOver(), 2) << "no hit changes nothing";
-
   upper->GrayOut(true);
-  graphics->OnMouseOver(35, 15, &left);
-  EXPECT_EQ(graphics->GetMouseOver(), 0);
-  upper->SetMouseOverWhenGrayed(true);
-  graphics->OnMouseOver(35, 15, &left);
-  EXPECT_EQ(graphics->GetMouseOver(), 2);
-  upper->TakeEvents();
-  lower->TakeEvents();
+  for (const bool asked : {false, true}) {
+    upper->SetMouseOverWhenGrayed(asked);
+    graphics->OnMouseOver(35, 15, &left);
+    EXPECT_EQ(graphics->GetMouseOver(), asked ? 2 : 0);
+  }
+  for (auto* control : {lower, upper}) control->TakeEvents();
   graphics->OnMouseOut();
-  EXPECT_EQ(lower->TakeEvents(), Calls{"out 0 0"});
-  EXPECT_EQ(upper->TakeEvents(), Calls{"out 0 0"});
+  for (auto* control : {lower, upper}) EXPECT_EQ(control->TakeEvents(), Calls{"out 0 0"});
   EXPECT_EQ(graphics->GetMouseOver(), -1);
 }
 

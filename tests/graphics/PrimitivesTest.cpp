@@ -6,9 +6,6 @@
 namespace {
 
 constexpr float kPi = std::numbers::pi_v<float>;
-constexpr uint32_t kRed = kColorRed.Pixel();
-constexpr uint32_t kGreen = kColorGreen.Pixel();
-constexpr uint32_t kBlue = kColorBlue.Pixel();
 
 TEST(IRECT, AnEmptyRectangleHoldsAndMeetsNothingAndVanishesInAUnion) {
   const IRECT empty;
@@ -31,12 +28,6 @@ class Primitives : public EditorTest {
     Show();
     graphics->DrawEverything();
   }
-  // What was painted red, which is then wiped away.
-  IRECT TakeRed() {
-    const IRECT bounds = graphics->BoundsOf(kRed);
-    graphics->DrawEverything();
-    return bounds;
-  }
 };
 
 TEST_F(Primitives, BitmapsAreClippedToTheRectangleInHandWithTheirOrigin) {
@@ -57,14 +48,13 @@ TEST_F(Primitives, BitmapsAreClippedToTheRectangleInHandWithTheirOrigin) {
 TEST_F(Primitives, FramesStandBelowOrBesideEachOther) {
   const std::vector<IColor> colours = {kColorRed, kColorGreen, kColorBlue};
   const IRECT dest(30, 40, 38, 46);
-  for (const bool horizontal : {false, true}) {
-    const IBitmap bitmap = FramesOf(8, 6, colours, horizontal);
-    for (int state = 0; state <= 3; ++state) {
-      graphics->DrawEverything();
-      graphics->DrawBitmap(&bitmap, &dest, state);
-      const auto expected = colours[static_cast<size_t>(std::max(state, 1) - 1)].Pixel();
-      EXPECT_EQ(graphics->BoundsOf(expected), dest) << "state " << state;
-    }
+  for (int i = 0; i < 8; ++i) {
+    const int state = i / 2;
+    const IBitmap bitmap = FramesOf(8, 6, colours, i % 2 == 1);
+    graphics->DrawEverything();
+    graphics->DrawBitmap(&bitmap, &dest, state);
+    const auto expected = colours[static_cast<size_t>(std::max(state, 1) - 1)].Pixel();
+    EXPECT_EQ(graphics->BoundsOf(expected), dest) << "state " << state;
   }
   // A height that frames do not divide: of 3 in 11 rows the second starts at row 4 (3.67 rounded).
   IBitmap odd = FramesOf(4, 1, std::vector<IColor>(11, kColorRed));
@@ -79,21 +69,16 @@ TEST_F(Primitives, EachBlendMethodMixesInItsOwnWay) {
   const IRECT dest(0, 0, 4, 4);
   const IColor half(128, 200, 100, 0);
   const IColor base(255, 100, 100, 100);
-  struct Case {
-    IChannelBlend blend;
-    int red, green;
-  };
   // With alpha: 100 + (200 - 100) * 128 / 255 and so on; dodge divides by 1 - 200/255 * 128/255.
-  for (const Case& c :
-       {Case{{IChannelBlend::kBlendNone, 1.0F}, 150, 100},
-        Case{{IChannelBlend::kBlendClobber, 1.0F}, 200, 100},
-        Case{{IChannelBlend::kBlendClobber, 0.25F}, 125, 100},
-        Case{{IChannelBlend::kBlendAdd, 1.0F}, 200, 150},
-        Case{{IChannelBlend::kBlendColorDodge, 1.0F}, 164, 124}, Case{{77, 0.0F}, 150, 100}}) {
+  for (const auto& [method, weight, red, green] :
+       {std::tuple(0, 1.0F, 150, 100), std::tuple(1, 1.0F, 200, 100),
+        std::tuple(1, 0.25F, 125, 100), std::tuple(2, 1.0F, 200, 150),
+        std::tuple(3, 1.0F, 164, 124), std::tuple(77, 0.0F, 150, 100)}) {
+    const IChannelBlend blend(method, weight);
     graphics->FillIRect(&base, &dest);
-    graphics->FillIRect(&half, &dest, &c.blend);
-    EXPECT_NEAR(graphics->GetPoint(1, 1).R, c.red, 2) << "method " << c.blend.mMethod;
-    EXPECT_NEAR(graphics->GetPoint(1, 1).G, c.green, 2) << "method " << c.blend.mMethod;
+    graphics->FillIRect(&half, &dest, &blend);
+    EXPECT_NEAR(graphics->GetPoint(1, 1).R, red, 2) << "method " << method;
+    EXPECT_NEAR(graphics->GetPoint(1, 1).G, green, 2) << "method " << method;
   }
 }
 
@@ -108,76 +93,63 @@ TEST_F(Primitives, PointsRoundAndForcedPixelsKeepTheirAlpha) {
   EXPECT_EQ(IColor(256 + 7, -1, 300, 512).Pixel(), 0x002CFF07U) << "low eight bits count";
 }
 
-TEST_F(Primitives, StraightLinesAreOpaqueAndReachBothEnds) {
-  const IColor glass(10, 0, 255, 0);
-  graphics->DrawVerticalLine(&glass, 5, 10, 20);
-  EXPECT_EQ(graphics->BoundsOf(glass.Pixel()), IRECT(5, 10, 6, 21));
-  graphics->DrawHorizontalLine(&kColorRed, 7, 30, 40);
-  EXPECT_EQ(TakeRed(), IRECT(30, 7, 41, 8));
-  const IRECT rect(100, 10, 140, 50);
-  graphics->DrawVerticalLine(&kColorRed, &rect, 0.25F);
-  EXPECT_EQ(TakeRed(), IRECT(110, 10, 111, 51));
-  graphics->DrawHorizontalLine(&kColorRed, &rect, 9.0F);
-  EXPECT_EQ(TakeRed(), IRECT(100, 50, 141, 51)) << "fractions are clamped";
-  graphics->DrawRadialLine(&kColorRed, 50.0F, 50.0F, 0.0F, 10.0F, 20.0F);
-  EXPECT_EQ(TakeRed(), IRECT(50, 30, 51, 41)) << "zero points up";
-  graphics->DrawRadialLine(&kColorRed, 50.25F, 50.25F, 0.5F * kPi, 0.0F, 20.0F);
-  EXPECT_EQ(TakeRed(), IRECT(50, 50, 71, 51)) << "and turns clockwise";
-  graphics->DrawRect(&kColorRed, &rect);
-  EXPECT_EQ(graphics->CountOf(kRed), 2 * 40 + 2 * 38) << "the inside stays free";
-  EXPECT_EQ(TakeRed(), rect);
-}
-
-TEST_F(Primitives, FiguresCoverTheirExtent) {
+TEST_F(Primitives, LinesAndFiguresCoverTheirExtent) {
   const auto painted = [this](const IRECT& rect, int least, int most, const char* figure) {
     const int count = graphics->CountOf(kRed);
     EXPECT_TRUE(least <= count && count <= most) << figure << " of " << count << " pixels";
-    EXPECT_EQ(TakeRed(), rect) << figure;
+    EXPECT_EQ(graphics->BoundsOf(kRed), rect) << figure;
+    graphics->DrawEverything();
   };
+  const IColor glass(10, 0, 255, 0);
+  graphics->DrawVerticalLine(&glass, 5, 10, 20);
+  EXPECT_EQ(graphics->BoundsOf(glass.Pixel()), IRECT(5, 10, 6, 21)) << "opaque, both ends";
+  graphics->DrawHorizontalLine(&kColorRed, 7, 30, 40);
+  painted({30, 7, 41, 8}, 11, 11, "horizontal line");
+  const IRECT rect(100, 10, 140, 30);
+  graphics->DrawVerticalLine(&kColorRed, &rect, 0.25F);
+  painted({110, 10, 111, 31}, 21, 21, "line at a quarter");
+  graphics->DrawHorizontalLine(&kColorRed, &rect, 9.0F);
+  painted({100, 30, 141, 31}, 41, 41, "line at a clamped fraction");
+  graphics->DrawRadialLine(&kColorRed, 50.0F, 50.0F, 0.0F, 10.0F, 20.0F);
+  painted({50, 30, 51, 41}, 11, 11, "radial line upward");
+  graphics->DrawRadialLine(&kColorRed, 50.25F, 50.25F, 0.5F * kPi, 0.0F, 20.0F);
+  painted({50, 50, 71, 51}, 21, 21, "radial line a quarter clockwise");
+  graphics->DrawLine(&kColorRed, 10.0F, 10.0F, 40.0F, 25.0F);
+  painted({10, 10, 41, 26}, 31, 31, "line");
+  graphics->DrawRect(&kColorRed, &rect);
+  painted(rect, 2 * 40 + 2 * 18, 2 * 40 + 2 * 18, "rectangle");
+  graphics->RoundRect(&kColorRed, &rect, nullptr, 3, false);
+  painted(rect, 100, 116, "rounded outline");
+  graphics->FillRoundRect(&kColorRed, &rect, nullptr, 3, false);
+  painted(rect, 780, 799, "rounded rectangle");
   graphics->DrawCircle(&kColorRed, 50.0F, 50.0F, 10.0F);
   painted({40, 40, 61, 61}, 50, 70, "circle");
   graphics->FillCircle(&kColorRed, 50.0F, 50.0F, 10.0F);
   painted({40, 40, 61, 61}, 305, 350, "disc");
   graphics->DrawArc(&kColorRed, 50.0F, 50.0F, 10.0F, 0.0F, 0.5F * kPi);
   painted({50, 40, 61, 51}, 12, 20, "arc");
-  const IRECT rect(20, 20, 40, 30);
-  graphics->RoundRect(&kColorRed, &rect, nullptr, 3, false);
-  painted(rect, 40, 56, "rounded outline");
-  graphics->FillRoundRect(&kColorRed, &rect, nullptr, 3, false);
-  painted(rect, 180, 199, "rounded rectangle");
   graphics->FillTriangle(&kColorRed, 10, 10, 30, 10, 10, 30);
   painted({10, 10, 31, 31}, 200, 235, "triangle");
   const int x[] = {10, 20, 30, 20};
   const int y[] = {20, 10, 20, 30};
   graphics->FillIConvexPolygon(&kColorRed, x, y, 4);
   painted({10, 10, 31, 31}, 200, 225, "rhomb");
-  graphics->DrawLine(&kColorRed, 10.0F, 10.0F, 40.0F, 25.0F);
-  painted({10, 10, 41, 26}, 31, 31, "line");
 }
 
 TEST_F(Primitives, RotatedBitmapsTurnClockwiseAboutTheirPivot) {
   const IBitmap bitmap = FramesOf(20, 10, {kColorRed, kColorGreen});  // red above green
-  graphics->DrawRotatedBitmap(&bitmap, 50, 50, 0.0);
-  EXPECT_EQ(TakeRed(), IRECT(40, 40, 60, 50));
-  graphics->DrawRotatedBitmap(&bitmap, 50, 50, 0.5 * std::numbers::pi);
-  EXPECT_EQ(graphics->PixelAt(56, 50), kRed) << "a quarter turn brings the top to the right";
-  EXPECT_EQ(graphics->PixelAt(43, 50), kGreen);
-  graphics->DrawEverything();
+  struct Case {
+    double turns;
+    int offset, redX, redY, greenX, greenY;
+  };
   // With the pivot at the bottom edge, half a turn hangs the picture below it.
-  graphics->DrawRotatedBitmap(&bitmap, 50, 50, std::numbers::pi, 10);
-  EXPECT_EQ(graphics->PixelAt(50, 65), kGreen);
-  EXPECT_EQ(graphics->PixelAt(50, 75), kRed);
-}
-
-TEST_F(Primitives, ARotatedMaskAddsItsLightToTheBaseUnderTheTop) {
-  const IBitmap base = FramesOf(20, 20, {kColorRed});
-  const IBitmap mask = FramesOf(20, 10, {IColor(0, 0, 0, 0), kColorGreen});  // light below
-  const IBitmap top = FramesOf(20, 20, {IColor(0, 0, 0, 0)});
-  LICE_FillRect(static_cast<LICE_IBitmap*>(top.mData), 8, 8, 4, 4, kBlue);
-  graphics->DrawRotatedMask(&base, &mask, &top, 30, 40, std::numbers::pi);
-  EXPECT_EQ(graphics->PixelAt(40, 43), kColorYellow.Pixel()) << "half a turn brings the light up";
-  EXPECT_EQ(graphics->PixelAt(40, 57), kRed);
-  EXPECT_EQ(graphics->BoundsOf(kBlue), IRECT(38, 48, 42, 52));
+  for (const Case& c : {Case{0.0, 0, 40, 40, 59, 59}, Case{0.25, 0, 56, 50, 43, 50},
+                        Case{0.5, 10, 50, 75, 50, 65}}) {
+    graphics->DrawEverything();
+    graphics->DrawRotatedBitmap(&bitmap, 50, 50, c.turns * 2.0 * std::numbers::pi, c.offset);
+    EXPECT_EQ(graphics->PixelAt(c.redX, c.redY), kRed) << c.turns;
+    EXPECT_EQ(graphics->PixelAt(c.greenX, c.greenY), kGreen) << c.turns;
+  }
 }
 
 TEST_F(Primitives, ScaledAndCroppedBitmapsOutliveTheirOrigin) {

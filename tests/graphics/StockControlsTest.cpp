@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr uint32_t kRed = kColorRed.Pixel();
-constexpr uint32_t kGreen = kColorGreen.Pixel();
-constexpr uint32_t kBlue = kColorBlue.Pixel();
 const std::vector<IColor> kThree = {kColorRed, kColorGreen, kColorBlue};
 
 class StockControls : public EditorTest {
@@ -31,45 +28,35 @@ TEST(FrameOf, RoundsToTheNearestFrameWithinTheStrip) {
   EXPECT_EQ(FrameOf(1.0, 0), 1);
 }
 
-TEST_F(StockControls, ASwitchStepsThroughItsFramesAndWraps) {
-  auto* two = Attach<ISwitchControl>(0, 0, kOnOff, FramesOf(10, 10, {kColorRed, kColorGreen}));
-  auto* three = Attach<ISwitchControl>(20, 0, kColour, FramesOf(10, 10, kThree));
-  auto* one = Attach<ISwitchControl>(40, 0, -1, FramesOf(10, 10, {kColorRed}));
+TEST_F(StockControls, SwitchesStepThroughTheirFramesAndWrap) {
+  const IBitmap strip = FramesOf(10, 10, kThree);
+  auto* three = Attach<ISwitchControl>(0, 0, kColour, strip);
+  auto* one = Attach<ISwitchControl>(20, 0, -1, FramesOf(10, 10, {kColorRed}));
+  auto* toggle = Attach<IInvisibleSwitchControl>(IRECT(40, 0, 50, 10), kOnOff);
+  auto* contact = Attach<IContactControl>(60, 0, -1, strip);
+  EXPECT_EQ(three->GetRECT(), IRECT(0, 0, 10, 10)) << "one frame, not the strip";
+  EXPECT_EQ(three->GetBlend().mMethod, IChannelBlend::kBlendClobber);
+  EXPECT_EQ(contact->GetBlend().mMethod, IChannelBlend::kBlendNone);
   Show();
-  EXPECT_EQ(two->GetRECT(), IRECT(0, 0, 10, 10)) << "one frame, not the strip";
-  EXPECT_EQ(graphics->PixelAt(9, 9), kRed);
   Click(5, 5);
-  EXPECT_EQ(plug.TakeCalls(), (Calls{"set 3 1.000", "changed 3", "begin 3", "end 3"}));
-  EXPECT_EQ(graphics->PixelAt(9, 9), kGreen);
-  Click(5, 5);
-  EXPECT_EQ(two->GetValue(), 0.0);
-
-  graphics->SetParameterFromPlug(kColour, 0.0, true);
+  EXPECT_EQ(plug.TakeCalls(), (Calls{"set 2 1.000", "changed 2", "begin 2", "end 2"}));
   for (const auto& [value, pixel] :
-       {std::pair(0.5, kGreen), std::pair(1.0, kBlue), std::pair(0.0, kRed)}) {
-    graphics->OnMouseDblClick(25, 5, &left);  // a fast second click counts as well
+       {std::pair(0.0, kRed), std::pair(0.5, kGreen), std::pair(1.0, kBlue)}) {
+    graphics->OnMouseDblClick(5, 5, &left);  // a fast second click counts as well
     Settle();
     EXPECT_EQ(three->GetValue(), value);
-    EXPECT_EQ(graphics->PixelAt(25, 5), pixel);
+    EXPECT_EQ(graphics->PixelAt(9, 9), pixel);
   }
   for (const double value : {1.0, 0.0}) {
-    Click(45, 5);
+    Click(25, 5);
     EXPECT_EQ(one->GetValue(), value);
-  }
-}
-
-TEST_F(StockControls, AnInvisibleSwitchTogglesAndAContactFallsBack) {
-  auto* toggle = Attach<IInvisibleSwitchControl>(IRECT(0, 0, 10, 10), kOnOff);
-  auto* contact = Attach<IContactControl>(20, 0, -1, FramesOf(10, 10, {kColorRed, kColorGreen}));
-  Show();
-  for (const double value : {1.0, 0.0}) {
-    Click(5, 5);
+    Click(45, 5);
     EXPECT_EQ(toggle->GetValue(), value);
   }
-  graphics->OnMouseDown(25, 5, &left);
-  EXPECT_EQ(contact->GetValue(), 1.0);
-  graphics->OnMouseUp(25, 5, &left);
-  EXPECT_EQ(contact->GetValue(), 0.0);
+  graphics->OnMouseDown(65, 5, &left);
+  EXPECT_EQ(contact->GetValue(), 0.5);
+  graphics->OnMouseUp(65, 5, &left);
+  EXPECT_EQ(contact->GetValue(), 0.0) << "it falls back";
 }
 
 TEST_F(StockControls, RadioButtonsSpreadOverTheirRectangle) {
@@ -84,16 +71,13 @@ TEST_F(StockControls, RadioButtonsSpreadOverTheirRectangle) {
             (std::vector<IRECT>{{61, 20, 71, 28}, {36, 20, 46, 28}, {11, 20, 21, 28}}));
   IRadioButtonsControl down(&plug, {0, 0, 10, 30}, kColour, 2, button, kVertical);
   EXPECT_EQ(down.GetButtonRECTs(), (std::vector<IRECT>{{0, 0, 10, 8}, {0, 22, 10, 30}}));
-
   Show();
   EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(35, 20, 45, 28)) << "the default is the middle";
-  Click(65, 24);
-  EXPECT_EQ(across->GetValue(), 1.0);
-  EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(60, 20, 70, 28));
-  plug.TakeCalls();
-  Click(25, 24);
-  EXPECT_EQ(across->GetValue(), 1.0);
-  EXPECT_EQ(plug.TakeCalls().front(), "set 2 1.000") << "a miss pushes the value again";
+  for (const int x : {65, 25}) {
+    Click(x, 24);
+    EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(60, 20, 70, 28));
+    EXPECT_EQ(plug.TakeCalls().front(), "set 2 1.000") << "a miss pushes the value again";
+  }
 }
 
 TEST_F(StockControls, FaderHandlesFollowTheMouseUpAndRightWithinTheirTrack) {
@@ -101,9 +85,9 @@ TEST_F(StockControls, FaderHandlesFollowTheMouseUpAndRightWithinTheirTrack) {
   auto* vertical = Attach<IFaderControl>(10, 0, 91, kLevel, handle);
   auto* horizontal = Attach<IFaderControl>(40, 20, 112, kCount, handle, kHorizontal, true);
   EXPECT_EQ(vertical->GetRECT(), IRECT(10, 0, 22, 91));
-  EXPECT_EQ(horizontal->GetRECT(), IRECT(40, 20, 152, 31));
   EXPECT_EQ(vertical->GetHandleRECT(1.0), IRECT(10, 0, 22, 11));
   EXPECT_EQ(vertical->GetHandleRECT(0.0), IRECT(10, 80, 22, 91));
+  EXPECT_EQ(horizontal->GetRECT(), IRECT(40, 20, 152, 31));
   EXPECT_EQ(horizontal->GetHandleRECT(1.0), IRECT(140, 20, 152, 31));
   EXPECT_EQ(horizontal->GetHandleRECT(0.256), IRECT(65, 20, 77, 31));
   Show();
@@ -119,8 +103,7 @@ TEST_F(StockControls, FaderHandlesFollowTheMouseUpAndRightWithinTheirTrack) {
   EXPECT_EQ(plug.TakeCalls(), Calls()) << "only the handle takes a press";
   graphics->OnMouseDown(84, 25, &left);
   graphics->OnMouseDrag(76, 25, &left);
-  EXPECT_DOUBLE_EQ(horizontal->GetValue(), 0.3);
-  graphics->OnMouseDown(76, 25, &right);
+  graphics->OnMouseDown(77, 25, &right);
   EXPECT_DOUBLE_EQ(horizontal->GetValue(), 0.3) << "the right button is for typed entry";
   IFaderControl full(&plug, 0, 0, 11, kLevel, handle);
   full.OnMouseDown(5, 5, &left);
@@ -133,12 +116,11 @@ TEST_F(StockControls, KnobsTurnByDragsOverTheirGearing) {
                                           1.0, kHorizontal, 2.0);
   up->SetGearing(6.0);
   Show();
-  graphics->OnMouseDown(20, 80 - 30, &left);
+  graphics->OnMouseDown(20, 50, &left);
   graphics->OnMouseDrag(25, 50 - 60, &left);
   EXPECT_DOUBLE_EQ(up->GetValue(), 0.25 + 1.0 / 6.0);
   graphics->OnMouseDrag(25, 50 - 120, &shifted);
   EXPECT_DOUBLE_EQ(up->GetValue(), 0.25 + 1.0 / 6.0 + 1.0 / 60.0);
-  graphics->OnMouseUp(0, 0, &left);
   graphics->OnMouseDown(60, 30, &left);
   graphics->OnMouseDrag(80, 30, &left);
   EXPECT_DOUBLE_EQ(across->GetValue(), 0.4 + 0.5 / 2.0);
@@ -148,18 +130,25 @@ TEST_F(StockControls, EachKindOfKnobShowsItsValue) {
   Attach<IKnobMultiControl>(0, 0, kLevel, FramesOf(10, 10, kThree));
   const IBitmap arrow = FramesOf(20, 10, {kColorRed, kColorGreen});
   const IBitmap picture(arrow.mData, 20, 20);
-  const IBitmap clear = FramesOf(20, 20, {IColor(0, 0, 0, 0)});
+  const IBitmap base = FramesOf(20, 20, {kColorRed});
+  const IBitmap light = FramesOf(20, 10, {kColorTransparent, kColorGreen});  // in the lower half
+  const IBitmap mask(light.mData, 20, 20);
+  const IBitmap top = FramesOf(20, 20, {kColorTransparent});
+  LICE_FillRect(static_cast<LICE_IBitmap*>(top.mData), 8, 8, 4, 4, kBlue);
   Attach<IKnobRotaterControl>(40, 20, kLevel, picture, 0.0, std::numbers::pi);
-  Attach<IKnobRotatingMaskControl>(80, 20, kLevel, picture, clear, clear);
+  Attach<IKnobRotatingMaskControl>(80, 20, kLevel, base, mask, top, 0.0, std::numbers::pi);
   Attach<IKnobLineControl>(IRECT(110, 10, 150, 50), kLevel, kColorWhite, 5.0, 0.0,
                            0.5 * std::numbers::pi, -0.5 * std::numbers::pi);
   Show();
-  for (const auto& [value, strip, top, tip] :
+  for (const auto& [value, strip, upper, tip] :
        {std::tuple(0.0, kRed, kRed, 148), std::tuple(1.0, kBlue, kGreen, 112)}) {
     SetLevel(value);
     EXPECT_EQ(graphics->PixelAt(5, 5), strip);
-    EXPECT_EQ(graphics->PixelAt(50, 23), top);
-    EXPECT_EQ(graphics->PixelAt(90, 23), kRed) << "the base does not turn";
+    EXPECT_EQ(graphics->PixelAt(50, 23), upper);
+    const int lit = upper == kRed ? 37 : 23;
+    EXPECT_EQ(graphics->PixelAt(90, lit), kColorYellow.Pixel()) << "the mask adds its light";
+    EXPECT_EQ(graphics->PixelAt(90, 60 - lit), kRed) << "the base does not turn";
+    EXPECT_EQ(graphics->PixelAt(90, 30), kBlue) << "the top covers both";
     EXPECT_GT(graphics->GetPoint(tip, 30).G, 100) << "the line goes half the width by default";
     EXPECT_EQ(graphics->GetPoint(260 - tip, 30).G, 0);
     EXPECT_EQ(graphics->GetPoint(130, 30).G, 0) << "it begins at the inner radius";
@@ -169,17 +158,13 @@ TEST_F(StockControls, EachKindOfKnobShowsItsValue) {
 TEST_F(StockControls, AnOverlayOpensFromItsTargetAndClosesFromItself) {
   const IBitmap picture = FramesOf(60, 40, {kColorGreen, kColorRed});
   auto* overlay = Attach<IBitmapOverlayControl>(20, 20, -1, picture, IRECT(0, 0, 10, 10));
-  overlay->SetValueFromPlug(0.0);
   Show();
-  EXPECT_EQ(graphics->CountOf(kRed), 0);
-  Click(40, 40);
-  EXPECT_EQ(overlay->GetValue(), 0.0);
-  Click(5, 5);
-  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(20, 20, 80, 60));
-  Click(5, 5);
-  EXPECT_EQ(overlay->GetValue(), 1.0) << "open, it no longer listens at the target";
-  Click(40, 40);
-  EXPECT_EQ(overlay->GetValue(), 0.0);
+  for (const auto& [at, value] :
+       {std::pair(40, 0.0), std::pair(5, 1.0), std::pair(5, 1.0), std::pair(40, 0.0)}) {
+    Click(at, at);
+    EXPECT_EQ(overlay->GetValue(), value);
+    EXPECT_EQ(graphics->BoundsOf(kRed), value > 0.0 ? IRECT(20, 20, 80, 60) : IRECT());
+  }
 }
 
 TEST_F(StockControls, ACaptionShowsValueAndUnitAndOpensTypedEntry) {
@@ -191,8 +176,7 @@ TEST_F(StockControls, ACaptionShowsValueAndUnitAndOpensTypedEntry) {
   EXPECT_STREQ(bare->GetTextString(), "0.25");
   EXPECT_GT(graphics->BoundsOf(kRed).W(), 20);
   graphics->OnMouseDown(5, 5, &left);
-  EXPECT_EQ(graphics->fieldText, "0.25");
-  graphics->fieldText = "";
+  EXPECT_EQ(std::exchange(graphics->fieldText, ""), "0.25");
   graphics->OnMouseDblClick(5, 5, &left);
   EXPECT_EQ(graphics->fieldText, "0.25");
 }
@@ -213,39 +197,34 @@ TEST_F(StockControls, BitmapTextDrawsOneCellACharacterAndStopsAtTheEdge) {
 
 TEST_F(StockControls, ALinkTriesItsFallbackOnlyWhenTheFirstFails) {
   Attach<IURLControl>(IRECT(0, 0, 10, 10), "https://a", "https://b", "gone");
-  Attach<IURLControl>(IRECT(20, 0, 30, 10), "", "https://b");
+  Attach<IURLControl>(IRECT(20, 0, 30, 10), "", "https://c");
   Attach<IURLControl>(IRECT(40, 0, 50, 10), "", "");
   Attach<IURLControl>(IRECT(60, 0, 70, 10), std::string(1000, 'x').c_str());
   Show();
   Click(5, 5);
-  EXPECT_EQ(graphics->urls, (Calls{"https://a", "https://b"}));
-  graphics->urls.clear();
   graphics->opensURLs = true;
-  Click(5, 5);
-  Click(25, 5);
-  Click(45, 5);
-  EXPECT_EQ(graphics->urls, (Calls{"https://a", "https://b"}));
-  Click(65, 5);
-  EXPECT_EQ(graphics->urls.back().size(), 255U);
+  for (const int x : {5, 25, 45, 65}) Click(x, 5);
+  EXPECT_EQ(graphics->urls,
+            (Calls{"https://a", "https://b", "https://a", "https://c", std::string(255, 'x')}));
 }
 
 TEST_F(StockControls, AFileSelectorStoresTheChoiceAndTellsThePlugin) {
   auto* selector = Attach<IFileSelectorControl>(IRECT(0, 0, 10, 10), kOnOff,
                                                 FramesOf(10, 10, {kColorRed}), 0, "/start/", "wav");
   graphics->chosenFile = "/chosen/a.wav";
-  selector->OnMouseDown(5, 5, &left);
   HeapString file;
+  selector->OnMouseDown(5, 5, &left);
   selector->GetLastSelectedFileForPlug(&file);
   EXPECT_STREQ(file.Get(), "") << "without an editor there is nothing to ask";
   Show();
-  Click(5, 5);
+  for (const char* push : {"set 3 1.000", "set 3 0.000"}) {
+    Click(5, 5);
+    EXPECT_EQ(plug.TakeCalls().front(), push);
+  }
   selector->GetLastSelectedFileForPlug(&file);
   EXPECT_STREQ(file.Get(), "/chosen/a.wav");
-  EXPECT_EQ(plug.TakeCalls().front(), "set 3 1.000");
   EXPECT_EQ(graphics->CountOf(kRed), 0) << "the picture shows only while the dialog is open";
   EXPECT_FALSE(graphics->Tick());
-  Click(5, 5);
-  EXPECT_EQ(plug.TakeCalls().front(), "set 3 0.000");
 }
 
 }  // namespace

@@ -14,17 +14,19 @@ TEST_F(ValueFlow, AChangeFromTheHostDirtiesTheControlForTwoFramesAndGoesNoFurthe
   EXPECT_LT(level->GetDefaultValue(), 0.0);
   Show();
   EXPECT_EQ(level->GetValue(), 0.25);
-  EXPECT_EQ(level->GetDefaultValue(), 0.25) << "the first value is the default";
   EXPECT_LT(free->GetDefaultValue(), 0.0);
   graphics->SetParameterFromPlug(kLevel, 0.25, true);
   EXPECT_FALSE(level->IsDirty()) << "an equal value is no change";
-
   graphics->SetParameterFromPlug(kLevel, 0.75, true);
-  EXPECT_EQ(level->GetValue(), 0.75);
-  EXPECT_EQ(level->GetDefaultValue(), 0.25);
   EXPECT_TRUE(graphics->Tick());
   EXPECT_TRUE(graphics->Tick()) << "a change that arrives while drawing must be seen";
   EXPECT_FALSE(graphics->Tick());
+  using Limits = std::numeric_limits<double>;
+  for (const double value : {0.75, -1e300, 1e300, -Limits::infinity(), Limits::quiet_NaN(), 0.5}) {
+    SetLevel(value);
+  }
+  EXPECT_EQ(level->GetValue(), 0.5) << "absurd values leave no trace";
+  EXPECT_EQ(level->GetDefaultValue(), 0.25) << "the first value is the default";
   EXPECT_EQ(plug.TakeCalls(), Calls());
 }
 
@@ -34,13 +36,13 @@ TEST_F(ValueFlow, RealValuesAreNormalisedAndAuxiliaryParametersFollow) {
   control->AddAuxParam(kNegated);
   Show();
   graphics->SetParameterFromPlug(kCount, 7.0, false);
+  graphics->SetParameterFromPlug(99, 1.0, false);
   EXPECT_EQ(control->GetAuxParam(0)->mValue, 0.7);
   EXPECT_EQ(control->GetValue(), 0.25);
   EXPECT_TRUE(control->IsDirty());
   EXPECT_EQ(control->AuxParamIdx(kNegated), 1);
   EXPECT_EQ(control->AuxParamIdx(kLevel), -1);
   EXPECT_EQ(control->GetAuxParam(2), nullptr);
-  graphics->SetParameterFromPlug(99, 1.0, false);
   control->SetAllAuxParamsFromGUI();
   EXPECT_EQ(plug.TakeCalls(), (Calls{"set 1 0.700", "changed 1", "set 4 0.250", "changed 4"}));
 }
@@ -55,7 +57,6 @@ TEST_F(ValueFlow, AChangeByTheUserIsClampedPushedOnceAndShownByLinkedTexts) {
   graphics->ClampControl(kLevel, 0.2, 0.6, false);
   level->SetValueFromUserInput(0.9);
   EXPECT_EQ(level->GetValue(), 0.6);
-  EXPECT_EQ(plug.GetParam(kLevel)->Value(), 0.6);
   EXPECT_EQ(plug.TakeCalls(), (Calls{"set 0 0.600", "changed 0"}));
   EXPECT_STREQ(value->GetTextString(), "0.60");
   EXPECT_STREQ(name->GetTextString(), "Level");
@@ -78,12 +79,13 @@ TEST_F(ValueFlow, DoubleClickRestoresAKnownDefaultAndWheelMovesBySmallSteps) {
   level->OnMouseDblClick(1, 1, &left);
   EXPECT_EQ(level->GetValue(), 0.0) << "no default is known yet";
   Show();
-  graphics->OnMouseWheel(1, 1, &left, 1);
-  EXPECT_DOUBLE_EQ(level->GetValue(), 0.26);
-  graphics->OnMouseWheel(1, 1, &shifted, -1);
-  EXPECT_DOUBLE_EQ(level->GetValue(), 0.259);
-  graphics->OnMouseWheel(1, 1, &left, 1000);
-  EXPECT_EQ(level->GetValue(), 1.0);
+  IMouseMod controlled{true, false, false, true};
+  for (const auto& [mod, distance, value] :
+       {std::tuple(&left, 1, 0.26), std::tuple(&shifted, -1, 0.259),
+        std::tuple(&controlled, -1, 0.258), std::tuple(&left, 1000, 1.0)}) {
+    graphics->OnMouseWheel(1, 1, mod, distance);
+    EXPECT_DOUBLE_EQ(level->GetValue(), value);
+  }
   plug.TakeCalls();
   graphics->OnMouseDblClick(1, 1, &left);
   EXPECT_EQ(plug.TakeCalls(), (Calls{"set 0 0.250", "changed 0"}));
@@ -91,32 +93,21 @@ TEST_F(ValueFlow, DoubleClickRestoresAKnownDefaultAndWheelMovesBySmallSteps) {
 
 TEST_F(ValueFlow, HidingAndGrayingReachEveryControlOfTheParameter) {
   graphics->AttachPanelBackground(&kColorBlack);
-  auto* a = Attach<ProbeControl>(IRECT(0, 0, 10, 10), kLevel, kColorWhite);
-  auto* b = Attach<ProbeControl>(IRECT(10, 0, 20, 10), kLevel, kColorWhite);
-  auto* other = Attach<ProbeControl>(IRECT(20, 0, 30, 10), kCount, kColorWhite);
+  for (const int x : {0, 10}) Attach<ProbeControl>(IRECT(x, 0, x + 10, 10), kLevel, kColorRed);
+  Attach<ProbeControl>(IRECT(20, 0, 30, 10), kCount, kColorRed);
   Show();
   graphics->GrayOutControl(kLevel, true);
   Settle();
-  EXPECT_TRUE(a->IsGrayed() && b->IsGrayed() && !other->IsGrayed());
-  EXPECT_NEAR(graphics->GetPoint(5, 5).R, 64, 2) << "grayed controls are drawn at a quarter";
-  EXPECT_EQ(graphics->GetPoint(25, 5), kColorWhite);
+  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(20, 0, 30, 10));
+  for (const int x : {5, 15}) EXPECT_NEAR(graphics->GetPoint(x, 5).R, 64, 2) << "a quarter";
   graphics->GrayOutControl(kLevel, false);
+  Settle();
+  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(0, 0, 30, 10));
   graphics->HideControl(kLevel, true);
   Settle();
-  EXPECT_TRUE(a->IsHidden() && b->IsHidden() && !other->IsHidden());
-  EXPECT_EQ(graphics->BoundsOf(kColorWhite.Pixel()), IRECT(20, 0, 30, 10));
+  EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(20, 0, 30, 10));
+  EXPECT_EQ(graphics->GetPoint(15, 5).R, 0);
   EXPECT_FALSE(graphics->Tick()) << "a hidden control must not stay dirty";
-}
-
-TEST_F(ValueFlow, AbsurdValuesFromTheHostAreForgottenAtTheNextGoodOne) {
-  auto* level = Attach<ProbeControl>(IRECT(0, 0, 10, 10), kLevel);
-  Show();
-  using Limits = std::numeric_limits<double>;
-  for (const double absurd : {-1e300, 1e300, -Limits::infinity(), Limits::quiet_NaN(), 0.5}) {
-    SetLevel(absurd);
-  }
-  EXPECT_EQ(level->GetValue(), 0.5);
-  EXPECT_EQ(level->GetDefaultValue(), 0.25);
 }
 
 }  // namespace
