@@ -1,6 +1,8 @@
 // Owning, serving and reading the clipboard selection.
 #include "graphics/x11/X11Clipboard.h"
 
+#include <utility>
+
 #include "graphics/x11/X11Connection.h"
 
 namespace {
@@ -19,12 +21,17 @@ X11Clipboard::X11Clipboard(X11Connection& connection, xcb_window_t window)
 
 void X11Clipboard::Copy(std::string text, xcb_timestamp_t time) {
   mText = std::move(text);
-  mIsOurs = true;
-  xcb_set_selection_owner(mConnection.Get(), mWindow, mConnection.Atom(X11Atom::kClipboard), time);
+  const xcb_atom_t clipboard = mConnection.Atom(X11Atom::kClipboard);
+  xcb_set_selection_owner(mConnection.Get(), mWindow, clipboard, time);
+  // Refused to who comes late.
+  const auto owner = mConnection.Await<xcb_get_selection_owner_reply_t>(
+      xcb_get_selection_owner(mConnection.Get(), clipboard));
+  mIsOurs = owner && owner->owner == mWindow;
 }
 
 std::optional<std::string> X11Clipboard::Paste(xcb_timestamp_t time) {
   if (mIsOurs) return mText;
+  mAwaitsPaste = true;
   xcb_convert_selection(mConnection.Get(), mWindow, mConnection.Atom(X11Atom::kClipboard),
                         mConnection.Atom(X11Atom::kUtf8String), mConnection.Atom(X11Atom::kPasted),
                         time);
@@ -77,7 +84,9 @@ xcb_atom_t X11Clipboard::Give(const xcb_selection_request_event_t& request, xcb_
 }
 
 std::optional<std::string> X11Clipboard::Receive(const xcb_selection_notify_event_t& notice) {
-  if (!notice.property) return std::nullopt;
+  // Other clients may send anything at any time.
+  const bool isAwaited = std::exchange(mAwaitsPaste, false);
+  if (!isAwaited || notice.property != mConnection.Atom(X11Atom::kPasted)) return std::nullopt;
   const auto reply = mConnection.Await<xcb_get_property_reply_t>(xcb_get_property(
       mConnection.Get(), 1, mWindow, notice.property, XCB_GET_PROPERTY_TYPE_ANY, 0, kLongestPaste));
   // A text that comes in pieces is longer than any field takes.

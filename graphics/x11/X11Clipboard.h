@@ -16,6 +16,7 @@ class X11Clipboard {
   void Copy(std::string text, xcb_timestamp_t time);
   // The text if it is our own; otherwise it comes later, through Handle.
   std::optional<std::string> Paste(xcb_timestamp_t time);
+  void ForgetPaste() { mAwaitsPaste = false; }  // a text that comes yet is not wanted any more
   // Takes the clipboard's events; a text that was asked for comes back.
   std::optional<std::string> Handle(const xcb_generic_event_t& event);
 
@@ -28,4 +29,5 @@ class X11Clipboard {
   xcb_window_t mWindow;
   std::string mText;
   bool mIsOurs = false;
+  bool mAwaitsPaste = false;
 };
