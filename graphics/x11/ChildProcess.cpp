@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -99,12 +100,19 @@ std::optional<ChildProcess> ChildProcess::Start(const std::vector<std::string>& 
   return ChildProcess(pid, std::move(readable));
 }
 
+ChildProcess::ChildProcess(pid_t pid, FileDescriptor output)
+    : mPid(pid),
+      mOutput(std::move(output)),
+      mEnd(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))) {}
+
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
-    : mPid(std::exchange(other.mPid, 0)), mOutput(std::move(other.mOutput)) {}
+    : mPid(std::exchange(other.mPid, 0)),
+      mOutput(std::move(other.mOutput)),
+      mEnd(std::move(other.mEnd)) {}
 
 ChildProcess::~ChildProcess() {
   if (!mPid) return;
-  kill(mPid, SIGKILL);
+  kill(-mPid, SIGKILL);  // its session is its own
   Wait();
 }
 

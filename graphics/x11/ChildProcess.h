@@ -20,17 +20,18 @@ class ChildProcess {
                                            const std::vector<std::string>& variables = {});
   ChildProcess(ChildProcess&& other) noexcept;
   ChildProcess& operator=(ChildProcess&&) = delete;
-  ~ChildProcess();  // kills it if it still runs
+  ~ChildProcess();  // if it still runs: kills it and what it started
 
   int Output() const { return mOutput.Get(); }  // readable; at its end with the program
+  int End() const { return mEnd.Get(); }  // readable from its end on; -1 on systems without that
   // Waits for the end: the exit code, -1 when there is none.
   int Wait();
 
  private:
-  ChildProcess(pid_t pid, FileDescriptor output) : mPid(pid), mOutput(std::move(output)) {}
+  ChildProcess(pid_t pid, FileDescriptor output);
 
   pid_t mPid;  // 0 once it has been waited for
-  FileDescriptor mOutput;
+  FileDescriptor mOutput, mEnd;
 };
 
 // Starts a program that goes on by itself; true when it is there.

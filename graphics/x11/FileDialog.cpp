@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* kOpenTitle = "Open";
 constexpr const char* kSaveTitle = "Save As";
+constexpr size_t kLongestAnswer = 1 << 16;  // bytes; no path is that long
 
 std::string Patterns(const FileQuestion& question) {
   std::string patterns;
@@ -44,12 +45,13 @@ std::vector<std::string> KdialogCommand(const FileQuestion& question) {
   return command;
 }
 
-// What it writes up to its end; false when the question ended first.
+// What it writes up to its end; false when the question ended first, or when it writes without one.
 bool ReadAll(const ChildProcess& program, const FileWaiter& wait, std::string& text) {
   std::array<char, 4096> buffer;
-  while (wait(program.Output())) {
+  while (text.size() < kLongestAnswer && wait(program.Output())) {
     const ssize_t size = read(program.Output(), buffer.data(), buffer.size());
-    if (size == 0) return true;
+    // It may close its output long before it ends.
+    if (size == 0) return program.End() < 0 || wait(program.End());
     if (size < 0 && errno != EINTR) return false;
     if (size > 0) text.append(buffer.data(), static_cast<size_t>(size));
   }
@@ -67,7 +69,7 @@ FileAnswer AskProgram(const std::vector<std::string>& command, const FileQuestio
   const int code = program->Wait();
   if (code > kCancelled) return FileAnswer::kUnavailable;
   path = text.substr(0, text.find('\n'));
-  return code == kCancelled || path.empty() ? FileAnswer::kNone : FileAnswer::kChosen;
+  return code == kCancelled || !path.starts_with('/') ? FileAnswer::kNone : FileAnswer::kChosen;
 }
 
 }  // namespace

@@ -53,10 +53,9 @@ std::vector<std::string> Words(const char* text) {
 // As the dialogs want it: whole, with a slash at the end.
 std::string FolderPath(const char* folder) {
   std::string path = folder;
-  const char* home = std::getenv("HOME");
-  if (path.starts_with("~/") && home) path = home + path.substr(1);
   if (!path.ends_with('/')) path += '/';
-  return path;
+  const char* home = std::getenv("HOME");
+  return path.starts_with("~/") && home ? home + path.substr(1) : path;
 }
 
 bool HasExtension(const std::string& path, const std::vector<std::string>& extensions) {
