@@ -28,10 +28,9 @@ const xcb_visualtype_t* FindVisual(const xcb_screen_t& screen, xcb_visualid_t vi
 }
 
 bool HasColourMasks(const xcb_visualtype_t& visual) {
-  const bool direct = visual._class == XCB_VISUAL_CLASS_TRUE_COLOR ||
-                      visual._class == XCB_VISUAL_CLASS_DIRECT_COLOR;
   const auto fits = [](uint32_t mask) { return mask && std::popcount(mask) <= 16; };
-  return direct && fits(visual.red_mask) && fits(visual.green_mask) && fits(visual.blue_mask);
+  return visual._class == XCB_VISUAL_CLASS_TRUE_COLOR && fits(visual.red_mask) &&
+         fits(visual.green_mask) && fits(visual.blue_mask);
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ class X11PixelFormat {
   };
 
   explicit X11PixelFormat(const Layout& layout);
-  // None for a visual with a palette, or with pixels of another size.
+  // None for a visual whose colours are looked up, or with pixels of another size.
   static std::optional<X11PixelFormat> Find(const xcb_setup_t* setup, const xcb_screen_t& screen,
                                             xcb_visualid_t visual, int depth);
 
