@@ -109,9 +109,7 @@ const LICE_IBitmap* IGraphicsX11::GetCanvas() const { return GetDrawBitmap(); }
 
 bool IGraphicsX11::DrawScreen(IRECT* rect) {
   X11Editor* editor = EditorHere();
-  if (!editor) return false;
-  editor->ShowCanvas(*rect);
-  return true;
+  return editor && editor->ShowCanvas(*rect);
 }
 
 void IGraphicsX11::Resize(int w, int h) {

@@ -2,6 +2,7 @@
 #include "graphics/x11/X11Connection.h"
 
 #include <poll.h>
+#include <xcb/randr.h>
 #include <xcb/shm.h>
 #include <xcb/xcbext.h>
 
@@ -34,6 +35,9 @@ X11Connection::X11Connection(int wakeFd) : mConnection(nullptr), mWakeFd(wakeFd)
   mConnection = xcb_connect(nullptr, &screen);
   if (!IsOpen()) return;
   FindScreen(screen);
+  // Asked for now and kept by the library, as it waits for these answers without an end.
+  xcb_get_extension_data(mConnection, &xcb_randr_id);
+  xcb_get_maximum_request_length(mConnection);
   InternAtoms();
   AskForSharedMemory();
 }

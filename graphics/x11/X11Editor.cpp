@@ -3,6 +3,8 @@
 
 #include <poll.h>
 
+#include <utility>
+
 #include "graphics/lice/LICE_Bitmap.h"
 #include "graphics/x11/IGraphicsX11.h"
 
@@ -93,9 +95,9 @@ void X11Editor::Run() {
 // Events, a frame when it is time, and a wait for whatever comes next. True when the watched
 // descriptor is readable.
 bool X11Editor::Turn(int watchedFd) {
-  const bool wasLost = IsLost();
   HandleEvents();
-  if (IsLost() && !wasLost) {
+  if (IsLost() && !std::exchange(mLossIsKnown, true)) {
+    EndTextEntry();
     mMouse.Cancel();
     return false;
   }
@@ -103,11 +105,12 @@ bool X11Editor::Turn(int watchedFd) {
   if (now >= mNextFrame && !IsLost()) Frame(now);
   xcb_flush(mConnection.Get());
   if (mEnding.IsNear()) return false;
+  const int wait_ms = !IsLost() ? UntilFrame_ms() : mLossIsKnown ? -1 : 0;
   // A broken connection would be readable for ever.
   pollfd fds[] = {{mEnding.Fd(), POLLIN, 0},
                   {watchedFd, POLLIN, 0},
                   {mConnection.IsOpen() ? mConnection.Fd() : -1, POLLIN, 0}};
-  poll(fds, 3, IsLost() ? -1 : UntilFrame_ms());
+  poll(fds, 3, wait_ms);
   return fds[1].revents != 0;
 }
 
@@ -123,14 +126,19 @@ void X11Editor::Frame(Clock::time_point now) {
   if (mField) mField->Blink(now);
   if (mMenu) mMenu->Tick(now);
   IRECT rect;
-  if (mGraphics.IsDirty(&rect)) mGraphics.Draw(&rect);
+  if (!mGraphics.IsDirty(&rect)) return;
+  // kept: one pixel more on the right and below, as the view asks for whole pixels and both ends.
+  IRECT view = IRECT(rect.L, rect.T, rect.R + 1, rect.B + 1)
+                   .Intersect({0, 0, mGraphics.Width(), mGraphics.Height()});
+  mGraphics.Draw(&view);
 }
 
-void X11Editor::ShowCanvas(const IRECT& rect) {
+bool X11Editor::ShowCanvas(const IRECT& rect) {
   const LICE_IBitmap* canvas = mGraphics.GetCanvas();
-  if (IsLost() || !mSurface || !canvas) return;
+  if (IsLost() || !mSurface || !canvas) return false;
   mSurface->Copy(*canvas, rect);
   mSurface->Show(rect);
+  return true;
 }
 
 void X11Editor::Resize(int width, int height) {

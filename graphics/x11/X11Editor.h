@@ -32,7 +32,7 @@ class X11Editor {
   void Run();  // until the ending
 
   // What the editor's operations ask for.
-  void ShowCanvas(const IRECT& rect);
+  bool ShowCanvas(const IRECT& rect);  // false when there is no window any more
   void Resize(int width, int height);
   IPopupMenu* RunMenu(IPopupMenu& menu, X11Point corner);  // in window coordinates
   X11Point MiddleFor(const IPopupMenu& menu) const;        // where it stands in the middle
@@ -60,6 +60,7 @@ class X11Editor {
   void HandleEvents();
   void Handle(const xcb_generic_event_t& event);
   void OnPress(const xcb_button_press_event_t& event);
+  bool IsInField(int x, int y) const;
   void OnWheel(int distance, const xcb_button_press_event_t& event);
   void OnRelease(const xcb_button_release_event_t& event);
   void OnMotion(const xcb_motion_notify_event_t& event);
@@ -75,6 +76,7 @@ class X11Editor {
   void CommitTextEntry();
   void TakeFocus();
   void GiveFocusBack();
+  xcb_window_t FocusHeir();
 
   IGraphicsX11& mGraphics;
   const X11Ending& mEnding;
@@ -97,6 +99,7 @@ class X11Editor {
   bool mCommitting = false;
   std::optional<X11Menu> mMenu;
   bool mInDialog = false;  // input waits
+  bool mLossIsKnown = false;
 
   bool mHasFocus = false;
   xcb_window_t mFocusBefore = XCB_NONE;  // who had it

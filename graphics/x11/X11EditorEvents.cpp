@@ -10,13 +10,17 @@ const T& As(const xcb_generic_event_t& event) {
   return reinterpret_cast<const T&>(event);
 }
 
-// Buttons 4 and 5 are the wheel, up and down; others above 3 are none of ours.
+// Buttons 4 and 5 are the wheel, up and down.
 int WheelDistance(xcb_button_t button) { return button == 4 ? 1 : button == 5 ? -1 : 0; }
 
-// Grabs come and go without anybody having left.
+// Wheels go sideways and mice have more buttons; all that is nobody's.
+bool IsOfUse(xcb_button_t button) { return button <= 5; }
+
 bool IsOfGrab(uint8_t mode) {
   return mode == XCB_NOTIFY_MODE_GRAB || mode == XCB_NOTIFY_MODE_UNGRAB;
 }
+
+bool IsSent(const xcb_key_press_event_t& event) { return (event.response_type & 0x80) != 0; }
 
 }  // namespace
 
@@ -60,40 +64,39 @@ void X11Editor::OnExpose(const xcb_expose_event_t& event) {
 void X11Editor::OnDestroyed(const xcb_destroy_notify_event_t& event) {
   if (event.window != mWindow->Id()) return;
   mWindow->Forget();
-  EndTextEntry();
 }
 
 void X11Editor::OnPress(const xcb_button_press_event_t& event) {
   mTime = event.time;
   const int distance = WheelDistance(event.detail);
+  if (!IsOfUse(event.detail)) return;
   if (mMenu) return distance ? mMenu->Wheel(distance) : mMenu->Press(event);
-  if (mInDialog || event.detail > 5) return;
+  // That of a menu may come when the menu has gone.
+  if (mInDialog || event.event != mWindow->Id()) return;
   if (distance) return OnWheel(distance, event);
   mScreenPoint = {event.root_x, event.root_y};
   const int clicks = mClicks.Press(event.detail, event.root_x, event.root_y, event.time);
-  mFieldHasPress = mField && mField->Pane().Is(event.event);
+  mFieldHasPress = IsInField(event.event_x, event.event_y);
   if (mFieldHasPress) {
     TakeFocus();
-    return mField->Press(event.event_x, (event.state & XCB_MOD_MASK_SHIFT) != 0, clicks);
+    const bool extend = (event.state & XCB_MOD_MASK_SHIFT) != 0;
+    return mField->Press(event.event_x - mField->Place().L, extend, clicks);
   }
   CommitTextEntry();
   mMouse.Press(event.detail, clicks, event.event_x, event.event_y, event.state);
   mGraphics.ShowFailure();
 }
 
+bool X11Editor::IsInField(int x, int y) const { return mField && mField->Place().Contains(x, y); }
+
 void X11Editor::OnWheel(int distance, const xcb_button_press_event_t& event) {
-  X11Point place{event.event_x, event.event_y};
-  if (mField && mField->Pane().Is(event.event)) {
-    place.x += mField->Pane().Place().L;
-    place.y += mField->Pane().Place().T;
-  }
   EndTextEntry();
-  mMouse.Wheel(distance, place.x, place.y, event.state);
+  mMouse.Wheel(distance, event.event_x, event.event_y, event.state);
 }
 
 void X11Editor::OnRelease(const xcb_button_release_event_t& event) {
   mTime = event.time;
-  if (WheelDistance(event.detail)) return;
+  if (WheelDistance(event.detail) || !IsOfUse(event.detail)) return;
   if (mMenu) return mMenu->Release(event);
   if (mInDialog) return;
   if (mFieldHasPress) {
@@ -106,22 +109,23 @@ void X11Editor::OnRelease(const xcb_button_release_event_t& event) {
 void X11Editor::OnMotion(const xcb_motion_notify_event_t& event) {
   mTime = event.time;
   if (mMenu) return mMenu->Motion(event);
-  if (mInDialog) return;
-  if (mField && mField->Pane().Is(event.event)) {
-    if (mFieldHasPress && (event.state & XCB_BUTTON_MASK_1)) mField->Drag(event.event_x);
-  } else if (event.event == mWindow->Id()) {
+  if (mInDialog || event.event != mWindow->Id()) return;
+  if (mFieldHasPress) {
+    if (event.state & XCB_BUTTON_MASK_1) mField->Drag(event.event_x - mField->Place().L);
+  } else if (mMouse.IsPressed() || !IsInField(event.event_x, event.event_y)) {
     mMouse.Motion(event.event_x, event.event_y, event.state, !mField);
   }
 }
 
 // The window may have come to the mouse.
 void X11Editor::OnEnter(const xcb_enter_notify_event_t& event) {
-  if (mMenu || mInDialog || IsOfGrab(event.mode)) return;
+  if (mMenu || mInDialog || event.mode == XCB_NOTIFY_MODE_GRAB) return;
   mMouse.Motion(event.event_x, event.event_y, event.state, false);
 }
 
+// Who grabs the mouse does not move it. When a grab ends, that of a drag too, it may be elsewhere.
 void X11Editor::OnLeave(const xcb_leave_notify_event_t& event) {
-  if (mMenu || mInDialog || IsOfGrab(event.mode)) return;
+  if (mMenu || mInDialog || event.mode == XCB_NOTIFY_MODE_GRAB) return;
   if (event.detail != XCB_NOTIFY_DETAIL_INFERIOR) mMouse.Leave();
 }
 
@@ -144,8 +148,10 @@ void X11Editor::OnKeyInField(const X11Key& key, const xcb_key_press_event_t& eve
   }
 }
 
-// Keys that nobody here has a use for are the host's.
+// Keys that nobody here has a use for are the host's, but for those that it sent here itself: each
+// would pass them to the other for ever.
 void X11Editor::PassOn(const xcb_key_press_event_t& event) {
+  if (IsSent(event)) return;
   xcb_key_press_event_t copy = event;
   copy.event = mParent;
   copy.child = mWindow->Id();
@@ -188,6 +194,7 @@ void X11Editor::EndTextEntry() {
   if (!mField) return;
   mField.reset();
   mFieldHasPress = false;
+  mClipboard->ForgetPaste();
   GiveFocusBack();
 }
 
@@ -199,7 +206,8 @@ void X11Editor::TakeFocus() {
   const auto attributes = mConnection.Await<xcb_get_window_attributes_reply_t>(attributesCookie);
   const auto focus = mConnection.Await<xcb_get_input_focus_reply_t>(focusCookie);
   if (!attributes || !focus || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return;
-  if (focus->focus != mWindow->Id()) mFocusBefore = focus->focus;
+  // The host may have given it to the editor before.
+  if (!mHasFocus || focus->focus != mWindow->Id()) mFocusBefore = focus->focus;
   mFocusRequest = static_cast<uint16_t>(
       xcb_set_input_focus(c, XCB_INPUT_FOCUS_PARENT, mWindow->Id(), mTime).sequence);
   mHasFocus = true;
@@ -209,5 +217,15 @@ void X11Editor::GiveFocusBack() {
   if (!mHasFocus || IsLost()) return;
   mHasFocus = false;
   // With the time of the input that led to it, so that the same input can open the next field.
-  xcb_set_input_focus(mConnection.Get(), XCB_INPUT_FOCUS_PARENT, mFocusBefore, mTime);
+  xcb_set_input_focus(mConnection.Get(), XCB_INPUT_FOCUS_PARENT, FocusHeir(), mTime);
+}
+
+// Who had it, but a window that has gone cannot take it. The first two numbers are no windows: then
+// nobody had it, or whoever the mouse is over.
+xcb_window_t X11Editor::FocusHeir() {
+  if (mFocusBefore <= XCB_INPUT_FOCUS_POINTER_ROOT || mEnding.IsNear()) return mFocusBefore;
+  const auto attributes = mConnection.Await<xcb_get_window_attributes_reply_t>(
+      xcb_get_window_attributes(mConnection.Get(), mFocusBefore));
+  const bool canTakeIt = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+  return canTakeIt ? mFocusBefore : mParent;
 }

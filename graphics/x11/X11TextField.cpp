@@ -96,13 +96,15 @@ bool X11TextField::Move(const X11Key& key) {
 
 bool X11TextField::Shortcut(const X11Key& key, X11Clipboard& clipboard, xcb_timestamp_t time) {
   if (!key.control || key.alt) return false;
-  switch (key.symbol) {
+  const bool isCapital = key.symbol >= 'A' && key.symbol <= 'Z';  // with the lock for capitals
+  const xcb_keysym_t letter = isCapital ? key.symbol + ('a' - 'A') : key.symbol;
+  switch (letter) {
     case 'a': mEdit.SelectAll(); return true;
     case 'c':
     case 'x':
       if (!mEdit.HasSelection()) return true;
       clipboard.Copy(ToUtf8(mEdit.Selected()), time);
-      if (key.symbol == 'x') mEdit.Erase(true);
+      if (letter == 'x') mEdit.Erase(true);
       return true;
     case 'v':
       if (const auto text = clipboard.Paste(time)) Paste(*text);

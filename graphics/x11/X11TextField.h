@@ -29,6 +29,7 @@ class X11TextField {
   IParam* Param() const { return mParam; }
   std::string Text() const;
   X11Pane& Pane() { return mPane; }
+  const IRECT& Place() const { return mPane.Place(); }
 
   // `x` is relative to the field; `clicks` counts presses in quick succession.
   void Press(int x, bool extend, int clicks);

@@ -5,8 +5,13 @@
 
 namespace {
 
-constexpr uint32_t kPaneEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS |
-                                 XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
+// The mouse over a child is the editor's, with places in the editor, also when the child has just
+// gone.
+uint32_t PaneEvents(X11Window::EKind kind) {
+  constexpr uint32_t kMouse =
+      XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
+  return XCB_EVENT_MASK_EXPOSURE | (kind == X11Window::kOverAll ? kMouse : 0);
+}
 
 // A compositor then draws it as a menu of the host's window.
 void NameAsMenu(X11Connection& connection, xcb_window_t window, xcb_window_t owner) {
@@ -52,7 +57,7 @@ void X11Window::Resize(int width, int height) {
 X11Pane::X11Pane(X11Connection& connection, const X11Look& look, xcb_window_t parent,
                  const IRECT& place, X11Window::EKind kind, xcb_window_t owner)
     : mPlace(place),
-      mWindow(connection, look, parent, place, kind, kPaneEvents),
+      mWindow(connection, look, parent, place, kind, PaneEvents(kind)),
       mSurface(connection, mWindow.Id(), look.format, place.W(), place.H(), false),
       mBitmap(place.W(), place.H()) {
   if (kind == X11Window::kOverAll) NameAsMenu(connection, mWindow.Id(), owner);
