@@ -89,11 +89,8 @@ void raise_spectrum(complex* X, int bins, double exponent) {
     const double re = X[k].real();
     const double im = X[k].imag();
     // A zero bin has the logarithm minus infinity and so the magnitude 0, but 1 to the power 0.
-    const double log_magnitude = std::log(std::hypot(re, im));
-    const double magnitude = exponent == 0.0 ? 1.0 : std::exp(exponent * log_magnitude);
-    const double angle = exponent * std::atan2(im, re);
-    X[k] = complex(static_cast<float>(magnitude * std::cos(angle)),
-                   static_cast<float>(magnitude * std::sin(angle)));
+    const std::complex<double> log_z(std::log(std::hypot(re, im)), std::atan2(im, re));
+    X[k] = exponent == 0.0 ? complex(1) : complex(std::exp(exponent * log_z));
   }
 }
 

@@ -122,10 +122,7 @@ void conv_exp_2tap_recursive(const AlignedVector<float>& x, float a, float b,
 
 void conv_exp_2tap_recursive_pow2(const AlignedVector<float>& x, float a, float b,
                                   AlignedVector<float>& y) {
-  y.clear();
-  if (x.empty()) return;
-  const int n = static_cast<int>(x.size());
-  const int P = static_cast<int>(std::bit_ceil(static_cast<unsigned>(n)));
+  const int P = static_cast<int>(std::bit_ceil(x.size()));
   DecayTables tables;
   if (P > 1) tables.build(P, a, b);
 
