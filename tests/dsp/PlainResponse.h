@@ -10,8 +10,7 @@ namespace plain {
 
 struct Lattice {
   int S;
-  AlignedVector<int> sizes;
-  AlignedVector<int> offsets;
+  AlignedVector<int> sizes, offsets;
   AlignedVector<float> weights;
 
   int axes() const { return static_cast<int>(sizes.size()); }
@@ -28,11 +27,8 @@ struct Settings {
   AlignedVector<DimProperties<float>> room;
   float dB_range;
   int sample_rate;
-  float stretch;
-  float linearity;
-  float attenuation;
-  float decay_low;
-  float decay_high;
+  float stretch, linearity, attenuation;
+  float decay_low, decay_high;
 };
 
 // The signed, attenuated arrivals of a room on the curved time axis, before the decay.
