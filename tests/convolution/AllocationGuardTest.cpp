@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "numeric/AlignedVector.h"
 
@@ -14,38 +15,34 @@ namespace {
 
 void* volatile escape;  // keeps the compiler from dropping a pair of calls
 
-TEST(AllocationGuard, SeesEveryRoadToTheHeap) {
+using Counts = std::pair<long, long>;  // allocations and frees
+
+template <class Use>
+Counts counts_of(Use use) {
   const AllocationGuard guard;
-  escape = new int(1);
-  EXPECT_EQ(guard.allocations(), 1);
-  delete static_cast<int*>(escape);
-  EXPECT_EQ(guard.frees(), 1);
-  escape = malloc(8);
-  escape = realloc(escape, 100000);
-  EXPECT_GE(guard.allocations(), 3);
-  free(escape);
-  const AllocationGuard aligned;
-  { const AlignedVector<float> buffer(100); }
-  EXPECT_EQ(aligned.allocations(), 1);
-  EXPECT_EQ(aligned.frees(), 1);
-  const AllocationGuard over_aligned;
-  escape = aligned_alloc(64, 128);
-  EXPECT_EQ(over_aligned.allocations(), 1);
-  free(escape);
-  EXPECT_EQ(over_aligned.frees(), 1);
-  const AllocationGuard in_library;
-  escape = new std::string(1000, 'x');
-  EXPECT_EQ(in_library.allocations(), 2);
-  delete static_cast<std::string*>(escape);
-  EXPECT_EQ(in_library.frees(), 2);
+  use();
+  return {guard.allocations(), guard.frees()};
+}
+
+template <class T>
+T* kept(T* p) {
+  escape = p;
+  return p;
+}
+
+TEST(AllocationGuard, SeesEveryRoadToTheHeap) {
+  EXPECT_EQ(counts_of([] { delete kept(new int(1)); }), Counts(1, 1));
+  EXPECT_EQ(counts_of([] { free(kept(aligned_alloc(64, 128))); }), Counts(1, 1));
+  EXPECT_EQ(counts_of([] { const AlignedVector<float> buffer(100); }), Counts(1, 1));
+  EXPECT_EQ(counts_of([] { delete kept(new std::string(1000, 'x')); }), Counts(2, 2));
+  EXPECT_GE(counts_of([] { free(realloc(kept(malloc(8)), 100000)); }).first, 2);
 }
 
 TEST(AllocationGuard, CountsOnlyItsOwnThread) {
   std::atomic<bool> go = false;
   std::thread other([&go] {
     while (!go) std::this_thread::yield();
-    escape = malloc(10);
-    free(escape);
+    free(kept(malloc(10)));
   });
   const AllocationGuard guard;
   go = true;

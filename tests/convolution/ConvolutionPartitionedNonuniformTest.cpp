@@ -32,17 +32,18 @@ using Probe = ConvolutionScheduleProbe;
 using Convolver = Probe::Convolver;
 using Level = Probe::Level;
 
-struct Schedule {
-  int N, M, max_fft_pow;
-  std::vector<Level> levels;
-  std::array<int, 2> rings;
-};
-
 TEST(ConvolutionPartitionedNonuniform, LaysOutLevelsAndRings) {
   const std::vector<Level> long_response = {{256, 0, 2, 1},     {256, 256, 2, 1},
                                             {512, 512, 2, 2},   {1024, 1024, 2, 4},
                                             {2048, 2048, 2, 8}, {4096, 4096, 23, 16}};
-  const Schedule schedules[] = {
+  // The last block shrinks to end near the last tap; its delay still follows its first tap.
+  const std::vector<Level> shrunk = {
+      {64, 0, 2, 1}, {64, 64, 2, 1}, {128, 128, 2, 2}, {128, 256, 2, 2}};
+  const struct {
+    int N, M, max_fft_pow;
+    std::vector<Level> levels;
+    std::array<int, 2> rings;
+  } schedules[] = {
       {256, 100000, 4, long_response, {100096, 8448}},
       {256, 100000, 4 + 32, long_response, {100096, 8448}},
       {64, 1, -1, {{64, 0, 2, 1}}, {64, 192}},
@@ -50,14 +51,9 @@ TEST(ConvolutionPartitionedNonuniform, LaysOutLevelsAndRings) {
       {64, 129, 12, {{64, 0, 2, 1}, {64, 64, 2, 1}}, {192, 192}},
       {64, 640, 0, {{64, 0, 10, 1}}, {640, 192}},
       {64, 640, 1, {{64, 0, 2, 1}, {64, 64, 2, 1}, {128, 128, 3, 2}}, {640, 320}},
-      // The last block shrinks to end near the last tap; its delay still follows its first tap.
-      {64,
-       640,
-       -1,
-       {{64, 0, 2, 1}, {64, 64, 2, 1}, {128, 128, 2, 2}, {128, 256, 2, 2}},
-       {640, 320}},
+      {64, 640, -1, shrunk, {640, 320}},
   };
-  for (const Schedule& expected : schedules) {
+  for (const auto& expected : schedules) {
     const Convolver convolver(expected.N, random_signal(expected.M, 1), expected.max_fft_pow);
     EXPECT_EQ(Probe::levels(convolver), expected.levels) << expected.M;
     EXPECT_EQ(Probe::rings(convolver), expected.rings) << expected.M;
@@ -131,8 +127,7 @@ TEST(ConvolutionPartitionedNonuniform, AllocatesAndLocksNothingWithOneArrayOrTwo
   const int N = 64;
   const auto h = random_signal(20000, 7);
   const auto x = random_signal(N, 8);
-  Convolver separate(N, h, 4);
-  Convolver shared(N, h, 4);
+  Convolver separate(N, h, 4), shared(N, h, 4);
   AlignedVector<float> y(x), in_place(x);
   const AllocationGuard heap;
   const LockCount locks;

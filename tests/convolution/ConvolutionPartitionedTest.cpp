@@ -12,16 +12,8 @@ namespace {
 
 using Convolver = ConvolutionPartitioned<float>;
 
-constexpr int kBlockSizes[] = {1, 2, 3, 31, 64, 100, 512, 513};
-
-AlignedVector<float> unit_impulse(int size, int tap) {
-  AlignedVector<float> h(static_cast<std::size_t>(size));
-  h[static_cast<std::size_t>(tap)] = 1.0F;
-  return h;
-}
-
 TEST(ConvolutionPartitioned, EqualsDirectConvolutionForEveryBlockAndResponseLength) {
-  for (const int N : kBlockSizes) {
+  for (const int N : {1, 2, 3, 31, 64, 100, 512, 513}) {
     const auto x = random_signal(23 * N, 1);
     Convolver convolver;
     for (const int M : {1, std::max(1, N - 1), N, N + 1, 2 * N, 3 * N + 2, 10 * N}) {
@@ -29,20 +21,6 @@ TEST(ConvolutionPartitioned, EqualsDirectConvolutionForEveryBlockAndResponseLeng
       convolver.update(N, h);
       SCOPED_TRACE(testing::Message() << "block " << N << ", taps " << M);
       expect_stream(stream(convolver, N, x), reference::convolve(x, h));
-    }
-  }
-}
-
-TEST(ConvolutionPartitioned, AnswersInTheSameCallAndDelaysATapByItsPosition) {
-  for (const int N : kBlockSizes) {
-    for (const int tap : {0, N - 1, N, 2 * N}) {
-      Convolver convolver(N, unit_impulse(2 * N + 1, tap));
-      const auto x = random_signal(6 * N, 3);
-      const auto y = stream(convolver, N, x);
-      std::vector<double> delayed(static_cast<std::size_t>(tap));
-      delayed.insert(delayed.end(), x.begin(), x.end());
-      SCOPED_TRACE(testing::Message() << "block " << N << ", tap " << tap);
-      expect_stream(y, delayed);
     }
   }
 }
@@ -55,8 +33,7 @@ TEST(ConvolutionPartitioned, GivesTheSameBitsHoweverTheBinsAreDivided) {
   const auto expected = stream(whole, N, x);
   for (const int run : {1, 2, 3, 4, 5, 7, 64, 100, 1000}) {
     Convolver split(N, h);
-    AlignedVector<float> block(static_cast<std::size_t>(N));
-    AlignedVector<float> y;
+    AlignedVector<float> block(static_cast<std::size_t>(N)), y;
     for (int i = 0; i < 12; ++i) {
       std::copy_n(x.data() + i * N, N, block.data());
       split.process_X(block);
@@ -74,8 +51,7 @@ TEST(ConvolutionPartitioned, BehavesAfterAFlushAsOnTheFirstBlockEver) {
   const int N = 64;
   const auto h = random_signal(300, 6);
   const auto x = random_signal(10 * N, 7);
-  Convolver fresh(N, h);
-  Convolver used(N, h);
+  Convolver fresh(N, h), used(N, h);
   stream(used, N, random_signal(7 * N, 8));
   used.flush();
   EXPECT_EQ(stream(used, N, AlignedVector<float>(64)), AlignedVector<float>(64));
