@@ -86,7 +86,7 @@ void Tolmara::RenderResponse(const RenderSettings& settings, ConvolverSet& targe
     }
     mDisplay->SetResponse(settings.sampleRate, h);
   } catch (const std::exception&) {
-    // No memory for this room: what sounds now goes on.
+    // No memory beside the sample buffers: what a worker was to replace goes on sounding.
     for (auto& convolver : target) convolver.reset();
     mFIR.reset();
     finished = false;

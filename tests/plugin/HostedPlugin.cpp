@@ -78,11 +78,10 @@ Stereo HostedPlugin::Process(const Stereo& input, int frames) const {
 }
 
 void HostedPlugin::SettleByReset() {
-  const Stereo silence{Signal(static_cast<size_t>(mBlockSize)),
-                       Signal(static_cast<size_t>(mBlockSize))};
+  const Signal silence(static_cast<size_t>(mBlockSize));
   // A block starts no render while another one runs, so the second round is for the last settings.
   for (int round = 0; round < 2; ++round) {
-    Process(silence);
+    Process({silence, silence});
     Dispatch(effSetBlockSize, 0, mBlockSize + 1);
     Dispatch(effSetBlockSize, 0, mBlockSize);
   }
@@ -90,14 +89,15 @@ void HostedPlugin::SettleByReset() {
 
 Stereo Noise(int count, unsigned seed) {
   Random random(seed);
-  Stereo noise{Signal(static_cast<size_t>(count)), Signal(static_cast<size_t>(count))};
-  for (float& x : noise.left) x = random.uniform(-1.0f, 1.0f);
-  for (float& x : noise.right) x = random.uniform(-1.0f, 1.0f);
+  Stereo noise = {Signal(static_cast<size_t>(count)), Signal(static_cast<size_t>(count))};
+  for (Signal* channel : {&noise.left, &noise.right}) {
+    for (float& x : *channel) x = random.uniform(-1.0f, 1.0f);
+  }
   return noise;
 }
 
 Stereo Impulse(int count) {
-  Stereo impulse{Signal(static_cast<size_t>(count)), Signal(static_cast<size_t>(count))};
-  impulse.left[0] = impulse.right[0] = 1.0f;
-  return impulse;
+  Signal impulse(static_cast<size_t>(count));
+  impulse[0] = 1.0f;
+  return {impulse, impulse};
 }

@@ -9,6 +9,7 @@
 using Signal = std::vector<float>;
 struct Stereo {
   Signal left, right;
+  bool operator==(const Stereo&) const = default;
 };
 
 // The module's path, and one of its entry points by name; null if it has none of that name.
