@@ -41,7 +41,12 @@ LICE_FontFile LICE_FindFontFile(const LICE_FontRequest& request) {
   int weight = FC_WEIGHT_REGULAR, slant = FC_SLANT_ROMAN;
   FcPatternGetInteger(match.get(), FC_WEIGHT, 0, &weight);
   FcPatternGetInteger(match.get(), FC_SLANT, 0, &slant);
-  file.needs_bold = request.weight >= 600 && weight < FC_WEIGHT_DEMIBOLD;
-  file.needs_slant = request.italic && slant == FC_SLANT_ROMAN;
+  // Common configurations answer with the style that was wanted and a note to imitate it.
+  FcBool imitate_bold = FcFalse;
+  FcMatrix* imitate_slant = nullptr;
+  FcPatternGetBool(match.get(), FC_EMBOLDEN, 0, &imitate_bold);
+  FcPatternGetMatrix(match.get(), FC_MATRIX, 0, &imitate_slant);
+  file.needs_bold = request.weight >= 600 && (weight < FC_WEIGHT_DEMIBOLD || imitate_bold);
+  file.needs_slant = request.italic && (slant == FC_SLANT_ROMAN || imitate_slant);
   return file;
 }
