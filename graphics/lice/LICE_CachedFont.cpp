@@ -100,22 +100,15 @@ void PaintGlyph(const LICE_Surface& s, const LICE_GlyphImage& glyph, std::int64_
 }  // namespace
 
 void LICE_CachedFont::SetFromHFont(LICE_PlatformFont* font, int flags) {
-  const std::scoped_lock lock(mMutex);
   mGlyphs.clear();
   if (mOwned.get() != font) mOwned.reset();
   if (!mOwned && (flags & LICE_FONT_FLAG_OWNS_HFONT)) mOwned.reset(font);
   mFont = font;
 }
 
-void LICE_CachedFont::SetTextColor(LICE_pixel color) {
-  const std::scoped_lock lock(mMutex);
-  mColor = color;
-}
+void LICE_CachedFont::SetTextColor(LICE_pixel color) { mColor = color; }
 
-int LICE_CachedFont::GetLineHeight() {
-  const std::scoped_lock lock(mMutex);
-  return mFont ? mFont->LineHeight() : 0;
-}
+int LICE_CachedFont::GetLineHeight() { return mFont ? mFont->LineHeight() : 0; }
 
 const LICE_GlyphImage& LICE_CachedFont::GlyphOf(char32_t code) {
   const auto at = std::lower_bound(mGlyphs.begin(), mGlyphs.end(), code,
@@ -143,7 +136,6 @@ LICE_CachedFont::Extent LICE_CachedFont::ExtentOf(const std::vector<char32_t>& c
 
 int LICE_CachedFont::DrawText(LICE_IBitmap* bitmap, const char* text, int length, LICE_Rect* rect,
                               int flags, LICE_Rect* inked) {
-  const std::scoped_lock lock(mMutex);
   if (!mFont || !rect) return 0;
   const std::vector<char32_t> codes = Decode(text, length);
   const TextBox box = TurnedBox(*mFont, ExtentOf(codes));

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "graphics/lice/LICE_Bitmap.h"
@@ -24,8 +23,8 @@ struct LICE_Rect {
 };
 
 // A font as text is drawn with: glyphs are rendered at their first use and kept, sorted by
-// character code. Calls may come from several threads; a colour and the text that it is meant for
-// are two calls, so who shares a font between threads holds a lock of his own over both.
+// character code. One thread at a time: who shares a font holds a lock from the choice of the
+// colour to the end of the text that it is meant for.
 class LICE_CachedFont {
  public:
   LICE_CachedFont() = default;
@@ -57,11 +56,10 @@ class LICE_CachedFont {
     LICE_GlyphImage image;
   };
 
-  // Both need mMutex held and a font. A glyph is valid until the next call.
+  // Both need a font. A glyph is valid until the next call.
   const LICE_GlyphImage& GlyphOf(char32_t code);
   Extent ExtentOf(const std::vector<char32_t>& codes);
 
-  std::mutex mMutex;  // guards all below
   LICE_PlatformFont* mFont = nullptr;
   std::unique_ptr<LICE_PlatformFont> mOwned;  // mFont, when it is ours
   std::vector<Glyph> mGlyphs;                 // ascending code

@@ -51,13 +51,9 @@ float RandomWeight(Random& random) {
 }
 
 std::unique_ptr<LICE_IBitmap> RandomBitmap(Random& random) {
-  const int w = random.integer(1, 24), h = random.integer(1, 12);
-  std::unique_ptr<LICE_IBitmap> bitmap;
-  if (random.integer(0, 1)) {
-    bitmap = std::make_unique<FlippedBitmap>(w, h);
-  } else {
-    bitmap = std::make_unique<LICE_MemBitmap>(w, h, random.integer(0, 16));
-  }
+  const int w = random.integer(1, 24), h = random.integer(1, 12), align = random.integer(0, 16);
+  std::unique_ptr<LICE_IBitmap> bitmap = std::make_unique<FlippedBitmap>(w, h);
+  if (random.integer(0, 1)) bitmap = std::make_unique<LICE_MemBitmap>(w, h, align);
   Randomise(*bitmap, random);
   return bitmap;
 }
@@ -105,7 +101,21 @@ TEST(Blit, MixesBytesAsComputedByHand) {
   }
 }
 
-TEST(Blit, EqualsOnePixelAtATimeInEveryModeAndClipping) {
+// What the bitmap shows when each of its pixels in a rectangle has gone through `paint`, which gets
+// the pixel and its place in the rectangle.
+template <typename Paint>
+std::vector<LICE_pixel> PaintedOneByOne(const LICE_IBitmap& dest, int left, int top, int w, int h,
+                                        const Paint& paint) {
+  std::vector<LICE_pixel> pixels = Screen(dest);
+  for (int y = std::max(top, 0); y < std::min(top + h, dest.getHeight()); ++y) {
+    for (int x = std::max(left, 0); x < std::min(left + w, dest.getWidth()); ++x) {
+      paint(pixels[static_cast<std::size_t>(y * dest.getWidth() + x)], x - left, y - top);
+    }
+  }
+  return pixels;
+}
+
+TEST(Blit, AndFillEqualOnePixelAtATimeInEveryModeAndClipping) {
   for (int seed = 0; seed < 4000; ++seed) {
     Random random(static_cast<std::uint64_t>(seed));
     const auto dest = RandomBitmap(random), src = RandomBitmap(random);
@@ -113,26 +123,30 @@ TEST(Blit, EqualsOnePixelAtATimeInEveryModeAndClipping) {
     const int sx = random.integer(-30, 30), sy = random.integer(-15, 15);
     const int w = random.integer(-3, 40), h = random.integer(-3, 20);
     const int mode = kExactModes[random.integer(0, 3)] | (random.integer(0, 1) ? kAlpha : 0);
+    const LICE_pixel color = RandomPixel(random);
     const float weight = RandomWeight(random);
-
-    std::vector<LICE_pixel> expected = Screen(*dest);
     const int a = static_cast<int>(weight * 256.0);
-    for (int j = 0; j < h; ++j) {
-      for (int i = 0; i < w; ++i) {
-        const int x = dx + i, y = dy + j;
-        if (x < 0 || y < 0 || x >= dest->getWidth() || y >= dest->getHeight() || sx + i < 0 ||
-            sy + j < 0 || sx + i >= src->getWidth() || sy + j >= src->getHeight() || a == 0) {
-          continue;
-        }
-        LICE_pixel& d = expected[static_cast<std::size_t>(y * dest->getWidth() + x)];
-        const LICE_pixel s = LICE_GetPixel(src.get(), sx + i, sy + j);
-        const bool halves = mode == LICE_BLIT_MODE_COPY && weight == 0.5f;
-        d = halves ? (s / 2 & 0x7F7F7F7F) + (d / 2 & 0x7F7F7F7F) : MixPixel(d, s, a, mode, true);
+    auto expected = PaintedOneByOne(*dest, dx, dy, w, h, [&](LICE_pixel& d, int i, int j) {
+      if (sx + i < 0 || sy + j < 0 || sx + i >= src->getWidth() || sy + j >= src->getHeight()) {
+        return;
       }
-    }
+      const LICE_pixel s = LICE_GetPixel(src.get(), sx + i, sy + j);
+      const bool halves = mode == LICE_BLIT_MODE_COPY && weight == 0.5f;
+      if (a)
+        d = halves ? (s / 2 & 0x7F7F7F7F) + (d / 2 & 0x7F7F7F7F) : MixPixel(d, s, a, mode, true);
+    });
     LICE_Blit(dest.get(), src.get(), dx, dy, sx, sy, w, h, weight, mode);
     ASSERT_TRUE(SameScreen(*dest, expected))
         << "seed " << seed << " mode " << mode << " weight " << weight;
+
+    // A fill folds the colour's alpha into its weight.
+    const float share = mode & kAlpha ? static_cast<float>(LICE_GETA(color)) / 255.0f : 1.0f;
+    const int fill = static_cast<int>(weight * share * 256.0f);
+    expected = PaintedOneByOne(*dest, dx, dy, w, h, [&](LICE_pixel& d, int, int) {
+      if (fill) d = MixPixel(d, color, fill, mode, false);
+    });
+    LICE_FillRect(dest.get(), dx, dy, w, h, color, weight, mode);
+    ASSERT_TRUE(SameScreen(*dest, expected)) << "fill, seed " << seed << " mode " << mode;
   }
 }
 
@@ -162,30 +176,6 @@ TEST(Blit, PaintsNothingForWhatIsMissingEmptyOrFarAway) {
   EXPECT_TRUE(SameScreen(dest, Screen(src)));
 }
 
-TEST(FillRect, EqualsOnePixelAtATimeAndFoldsTheColoursAlphaIntoTheWeight) {
-  for (int seed = 0; seed < 2000; ++seed) {
-    Random random(static_cast<std::uint64_t>(seed));
-    const auto dest = RandomBitmap(random);
-    const int x = random.integer(-10, 26), y = random.integer(-10, 14);
-    const int w = random.integer(-3, 40), h = random.integer(-3, 20);
-    const int mode = kExactModes[random.integer(0, 3)] | (random.integer(0, 1) ? kAlpha : 0);
-    const LICE_pixel color = RandomPixel(random);
-    float weight = RandomWeight(random);
-    std::vector<LICE_pixel> expected = Screen(*dest);
-    LICE_FillRect(dest.get(), x, y, w, h, color, weight, mode);
-
-    if (mode & kAlpha) weight *= static_cast<float>(LICE_GETA(color)) / 255.0f;
-    const int a = static_cast<int>(weight * 256.0);
-    for (int j = std::max(y, 0); j < std::min(y + h, dest->getHeight()) && a; ++j) {
-      for (int i = std::max(x, 0); i < std::min(x + w, dest->getWidth()); ++i) {
-        LICE_pixel& d = expected[static_cast<std::size_t>(j * dest->getWidth() + i)];
-        d = MixPixel(d, color, a, mode, false);
-      }
-    }
-    ASSERT_TRUE(SameScreen(*dest, expected)) << "seed " << seed << " mode " << mode;
-  }
-}
-
 TEST(ScaledBlit, RepeatsMirrorsAndInterpolates) {
   Random random(7);
   LICE_MemBitmap src(6, 4), same(6, 4), twice(12, 8), mirrored(6, 4), wide(8, 1);
@@ -194,11 +184,10 @@ TEST(ScaledBlit, RepeatsMirrorsAndInterpolates) {
   EXPECT_TRUE(SameScreen(same, Screen(src)));
   LICE_ScaledBlit(&twice, &src, 0, 0, 12, 8, 0, 0, 6, 4, 1.0f, 0);
   LICE_ScaledBlit(&mirrored, &src, 0, 0, 6, 4, 6, 0, -6, 4, 1.0f, 0);
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 6; ++x) {
-      EXPECT_EQ(LICE_GetPixel(&twice, 2 * x + 1, 2 * y), LICE_GetPixel(&src, x, y));
-      EXPECT_EQ(LICE_GetPixel(&mirrored, 5 - x, y), LICE_GetPixel(&src, x, y));
-    }
+  for (int i = 0; i < 24; ++i) {
+    const int x = i % 6, y = i / 6;
+    EXPECT_EQ(LICE_GetPixel(&twice, 2 * x + 1, 2 * y), LICE_GetPixel(&src, x, y));
+    EXPECT_EQ(LICE_GetPixel(&mirrored, 5 - x, y), LICE_GetPixel(&src, x, y));
   }
   // Two pixels stretched to eight: flat outside the two centres, even steps between them.
   LICE_MemBitmap two(2, 1);
@@ -210,23 +199,17 @@ TEST(ScaledBlit, RepeatsMirrorsAndInterpolates) {
 
 TEST(RotatedBlit, TurnsClockwiseAboutThePointAndSmoothsTheBorder) {
   Random random(8);
-  LICE_MemBitmap src(5, 5), turned(9, 9), soft(20, 20);
+  LICE_MemBitmap src(5, 5), turned(9, 9), block(10, 10), soft(20, 20);
   Randomise(src, random);
   const auto quarter = static_cast<float>(std::acos(0.0));
   LICE_RotatedBlit(&turned, &src, 4.5f, 4.5f, 2.5f, 2.5f, quarter, 1.0f, 0);
-  for (int y = 0; y < 5; ++y) {
-    for (int x = 0; x < 5; ++x) {
-      EXPECT_EQ(LICE_GetPixel(&turned, 2 + 4 - y, 2 + x), LICE_GetPixel(&src, x, y));
-    }
+  for (int i = 0; i < 25; ++i) {
+    EXPECT_EQ(LICE_GetPixel(&turned, 6 - i / 5, 2 + i % 5), LICE_GetPixel(&src, i % 5, i / 5));
   }
   EXPECT_EQ(LICE_GetPixel(&turned, 1, 4), 0u);
-
-  LICE_MemBitmap block(10, 10);
   LICE_FillRect(&block, 0, 0, 10, 10, 0xFFFFFFFF);
   LICE_RotatedBlit(&soft, &block, 10, 10, 5, 5, 0.3f, 1.0f, kAlpha | LICE_BLIT_FILTER_BILINEAR);
-  double area = 0.0;
-  for (const LICE_pixel p : Screen(soft)) area += LICE_GETR(p) / 255.0;
-  EXPECT_NEAR(area, 100.0, 2.0);
+  EXPECT_NEAR(PaintedArea(soft), 100.0, 2.0);
 }
 
 }  // namespace

@@ -94,14 +94,13 @@ TEST(Line, EndsAndStaysInPlaceForCoordinatesBeyondReason) {
       LICE_Line(&b, x1, y1, x2, y2, kWhite, 1.0f, LICE_BLIT_MODE_COPY, smooth);
       return PaintedCount(b);
     };
-    EXPECT_EQ(draw(kNaN, 1, 2, 3), 0);
-    EXPECT_EQ(draw(1, 1, 2, kNaN), 0);
-    EXPECT_EQ(draw(kInfinity, 5, kInfinity, 9), 0);
-    EXPECT_EQ(draw(-1e30f, -2e9f, 1e30f, -2e9f), 0);
-    EXPECT_EQ(draw(-kInfinity, 5, kInfinity, 5), 40);
-    EXPECT_EQ(LICE_GetPixel(&b, 20, 5), kWhite);
+    EXPECT_EQ(draw(kNaN, 1, 2, 3) + draw(1, 1, 2, kNaN) + draw(kInfinity, 5, kInfinity, 9) +
+                  draw(-1e30f, -2e9f, 1e30f, -2e9f),
+              0);
     EXPECT_EQ(draw(7, -1e38f, 7, 1e38f), 30);
     EXPECT_EQ(draw(7, 3, 7, kInfinity), 27);
+    EXPECT_EQ(draw(-kInfinity, 5, kInfinity, 5), 40);
+    EXPECT_EQ(LICE_GetPixel(&b, 20, 5), kWhite);
     draw(-1e30f, -1e30f, 1e30f, 1e30f);
     for (int i = 0; i < 30; ++i) EXPECT_EQ(LICE_GetPixel(&b, i, i), kWhite) << i;
   }
@@ -120,9 +119,7 @@ TEST(SmoothLine, HasTheSamePixelsInAnyWindow) {
     const float x1 = quarters(200), y1 = quarters(140), x2 = quarters(200), y2 = quarters(140);
     LICE_Line(&whole, x1, y1, x2, y2, kWhite);
     LICE_Line(&window, x1 - kLeft, y1 - kTop, x2 - kLeft, y2 - kTop, kWhite);
-    LICE_MemBitmap part(50, 40);
-    LICE_Blit(&part, &whole, 0, 0, kLeft, kTop, 50, 40, 1.0f, LICE_BLIT_MODE_COPY);
-    ASSERT_TRUE(SameScreen(window, Screen(part))) << "seed " << seed;
+    ASSERT_TRUE(SameScreen(window, Part(whole, kLeft, kTop, 50, 40))) << "seed " << seed;
   }
 }
 

@@ -47,8 +47,20 @@ testing::AssertionResult SameScreen(const LICE_IBitmap& actual,
   return testing::AssertionSuccess();
 }
 
-int PaintedCount(const LICE_IBitmap& bitmap, LICE_pixel background) {
+int PaintedCount(const LICE_IBitmap& bitmap) {
   int count = 0;
-  for (const LICE_pixel p : Screen(bitmap)) count += p != background;
+  for (const LICE_pixel p : Screen(bitmap)) count += p != 0;
   return count;
+}
+
+double PaintedArea(const LICE_IBitmap& bitmap) {
+  double area = 0.0;
+  for (const LICE_pixel p : Screen(bitmap)) area += LICE_GETR(p) / 255.0;
+  return area;
+}
+
+std::vector<LICE_pixel> Part(const LICE_IBitmap& bitmap, int x, int y, int w, int h) {
+  std::vector<LICE_pixel> pixels;
+  for (int i = 0; i < w * h; ++i) pixels.push_back(LICE_GetPixel(&bitmap, x + i % w, y + i / w));
+  return pixels;
 }

@@ -36,5 +36,9 @@ std::vector<LICE_pixel> Screen(const LICE_IBitmap& bitmap);
 testing::AssertionResult SameScreen(const LICE_IBitmap& actual,
                                     const std::vector<LICE_pixel>& expected);
 
-// Number of pixels that differ from `background`.
-int PaintedCount(const LICE_IBitmap& bitmap, LICE_pixel background = 0);
+// Number of pixels that are not 0, and their area by brightness.
+int PaintedCount(const LICE_IBitmap& bitmap);
+double PaintedArea(const LICE_IBitmap& bitmap);
+
+// What `bitmap` shows of a rectangle.
+std::vector<LICE_pixel> Part(const LICE_IBitmap& bitmap, int x, int y, int w, int h);
