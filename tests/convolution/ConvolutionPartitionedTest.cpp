@@ -63,6 +63,7 @@ TEST(ConvolutionPartitioned, AllocatesAndLocksNothingPerBlock) {
   Convolver convolver(N, random_signal(4 * N, 9));
   EXPECT_EQ(convolver.get_M_p(), 1029);
   EXPECT_EQ(convolver.get_M_p_half(), 515);
+  EXPECT_EQ(Convolver(3, random_signal(1, 9)).get_M_p(), 5);
   AlignedVector<float> block = random_signal(N, 10);
   const AllocationGuard heap;
   const LockCount locks;
