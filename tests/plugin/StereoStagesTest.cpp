@@ -60,7 +60,7 @@ TEST(StereoStages, ThePhaseFilterActsOnOneChannelAndRampsToANewSetting) {
     for (int block = 0; block < 2; ++block) {
       Block x[] = {Signal(3), Signal(4)}, y[] = {x[0], x[1]};
       ApplyPhaseFilter(state, to, y[0].data(), y[1].data(), B);
-      for (size_t channel : {0, 1}) {
+      for (const size_t channel : {size_t{0}, size_t{1}}) {
         const auto of = [&](float s) { return (s < 0) == (channel == 1) ? coefficient(s) : 1.0; };
         for (size_t i = 0; i < B; ++i) {
           const double c = block == 0 ? Ramp(of(from), of(to), i) : of(to);
