@@ -89,8 +89,9 @@ std::optional<std::string> X11Clipboard::Receive(const xcb_selection_notify_even
   if (!isAwaited || notice.property != mConnection.Atom(X11Atom::kPasted)) return std::nullopt;
   const auto reply = mConnection.Await<xcb_get_property_reply_t>(xcb_get_property(
       mConnection.Get(), 1, mWindow, notice.property, XCB_GET_PROPERTY_TYPE_ANY, 0, kLongestPaste));
-  // A text that comes in pieces is longer than any field takes.
-  if (!reply || reply->format != 8) return std::nullopt;
+  // A text that comes in pieces, under another type, is longer than any field takes.
+  const bool isText = reply && reply->type == mConnection.Atom(X11Atom::kUtf8String);
+  if (!isText || reply->format != 8) return std::nullopt;
   const auto* text = static_cast<const char*>(xcb_get_property_value(reply.get()));
   return std::string(text, static_cast<size_t>(xcb_get_property_value_length(reply.get())));
 }

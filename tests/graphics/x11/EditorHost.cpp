@@ -9,53 +9,60 @@
 
 namespace {
 
-HostedPlug* PlugOf(IPlugBase* plug) { return static_cast<HostedPlug*>(plug); }
+// Takes keys and text, and says which.
+class ProbeControl : public IControl {
+ public:
+  using IControl::IControl;
+  bool Draw(IGraphics* graphics) override {
+    ++Plug().probeDraws;
+    return graphics->FillIRect(&kColorBlue, &mRECT);
+  }
+  void OnMouseDown(int x, int y, IMouseMod* mod) override {
+    Note("down", x, y,
+         std::string(" ") + (mod->L ? "L" : "") + (mod->R ? "R" : "") + (mod->S ? "S" : "") +
+             (mod->C ? "C" : "") + (mod->A ? "A" : ""));
+    if (Plug().onProbe) Plug().onProbe();
+  }
+  void OnMouseUp(int x, int y, IMouseMod*) override { Note("up", x, y); }
+  void OnMouseDrag(int, int, int, int, IMouseMod*) override {
+    Plug().Notes().Note("drag");
+    Plug().SetParameterFromGUI(kLevel, 0.5);
+  }
+  void OnMouseOver(int x, int y, IMouseMod*) override { Note("over", x, y); }
+  void OnMouseOut() override { Plug().Notes().Note("out"); }
+  bool OnKeyDown(int, int, int key) override {
+    if (key == IGraphics::kKeySpace) return false;
+    Plug().Notes().Note("key " + std::to_string(key));
+    return true;
+  }
+  void TextFromTextEntry(const char* text) override { Plug().Notes().Note(text); }
+
+ private:
+  HostedPlug& Plug() { return *static_cast<HostedPlug*>(mPlug); }
+  void Note(const std::string& what, int x, int y, const std::string& marks = "") {
+    Plug().Notes().Note(what + " " + std::to_string(x) + " " + std::to_string(y) + marks);
+  }
+};
 
 }  // namespace
-
-void ProbeControl::Note(const std::string& what) { PlugOf(mPlug)->Notes().Note(what); }
-
-bool ProbeControl::Draw(IGraphics* graphics) { return graphics->FillIRect(&kColorBlue, &mRECT); }
-
-void ProbeControl::OnMouseDown(int x, int y, IMouseMod* mod) {
-  const std::string marks = std::string(mod->L ? "L" : "") + (mod->R ? "R" : "") +
-                            (mod->S ? "S" : "") + (mod->C ? "C" : "") + (mod->A ? "A" : "");
-  Note("down " + std::to_string(x) + " " + std::to_string(y) + " " + marks);
-  if (PlugOf(mPlug)->onProbe) PlugOf(mPlug)->onProbe();
-}
-
-void ProbeControl::OnMouseUp(int x, int y, IMouseMod*) {
-  Note("up " + std::to_string(x) + " " + std::to_string(y));
-}
-
-void ProbeControl::OnMouseOver(int x, int y, IMouseMod*) {
-  Note("over " + std::to_string(x) + " " + std::to_string(y));
-}
-
-bool ProbeControl::OnKeyDown(int, int, int key) {
-  if (key == IGraphics::kKeySpace) return false;
-  Note("key " + std::to_string(key));
-  return true;
-}
 
 void Journal::Note(const std::string& entry) {
   const std::lock_guard guard(mMutex);
   mEntries.push_back(entry);
 }
 
-std::vector<std::string> Journal::Take() {
+Entries Journal::Take() {
   const std::lock_guard guard(mMutex);
   return std::exchange(mEntries, {});
 }
 
-bool Journal::EndsWith(const std::string& entry) {
+Entries Journal::UpTo(const std::string& entry) {
   const bool found = Eventually([&] {
     const std::lock_guard guard(mMutex);
     return !mEntries.empty() && mEntries.back() == entry;
   });
-  const std::lock_guard guard(mMutex);
-  EXPECT_TRUE(found) << "the last of " << ::testing::PrintToString(mEntries) << " is not " << entry;
-  return found;
+  EXPECT_TRUE(found) << "the last is not " << entry;
+  return Take();
 }
 
 bool Journal::Comes(const std::string& entry) {
@@ -66,19 +73,56 @@ bool Journal::Comes(const std::string& entry) {
     mEntries.erase(mEntries.begin(), at + 1);
     return true;
   });
-  const std::lock_guard guard(mMutex);
-  EXPECT_TRUE(found) << entry << " is not in " << ::testing::PrintToString(mEntries);
+  EXPECT_TRUE(found) << entry << " is not in " << ::testing::PrintToString(Take());
   return found;
+}
+
+HostTest::HostTest(int width, int height, const std::string& server)
+    : mServer(server),
+      mParent(
+          mUser.MakeWindow({kLeft, kTop, kLeft + width, kTop + height}, XCB_EVENT_MASK_KEY_PRESS)) {
+  mUser.MoveTo(0, 0);
+}
+
+VstIntPtr HostTest::Answer(AEffect* effect, int32_t opcode, int32_t index, VstIntPtr, void*,
+                           float opt) {
+  static const std::map<int32_t, std::string> kNames = {{audioMasterAutomate, "set "},
+                                                        {audioMasterBeginEdit, "begin "},
+                                                        {audioMasterEndEdit, "end "}};
+  const auto name = kNames.find(opcode);
+  if (!effect || !effect->user || name == kNames.end()) return 0;
+  char value[32] = "";
+  if (opcode == audioMasterAutomate) std::snprintf(value, sizeof value, " %.3f", double{opt});
+  static_cast<Journal*>(effect->user)->Note(name->second + std::to_string(index) + value);
+  return 0;
+}
+
+VstIntPtr HostTest::Dispatch(int opcode, int index, VstIntPtr value, void* ptr) {
+  return mEffect->dispatcher(mEffect, opcode, index, value, ptr, 0.0F);
+}
+
+bool HostTest::Open(xcb_window_t parent) {
+  return Dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(uintptr_t{parent})) == 1;
+}
+
+xcb_window_t HostTest::Window() {
+  const auto windows = mUser.ChildrenOf(mParent);
+  return windows.empty() ? XCB_NONE : windows.back();
+}
+
+void HostTest::Set(int param, double normalized) {
+  mEffect->setParameter(mEffect, param, static_cast<float>(normalized));
 }
 
 HostedPlug::HostedPlug(audioMasterCallback callback)
     : IPlugVST(callback, kNumHostedParams, "2-2", 1, "Hosted", "Hosted", "Tests", 0x00010000,
                0x486F7374, 0) {
+  GetAEffect()->user = &mNotes;
   GetParam(kLevel)->InitDouble("Level", 25.0, 0.0, 100.0, 0.1);
   GetParam(kCount)->InitInt("Count", 4, 0, 10);
-  GetParam(kColour)->InitEnum("Colour", 0, 3);
+  IParam* colour = GetParam(kColour);
+  colour->InitEnum("Colour", 0, 3);
   for (const char* text : {"red", "green", "blue"}) {
-    IParam* colour = GetParam(kColour);
     colour->SetDisplayText(colour->GetNDisplayTexts(), text);
   }
   mGraphics = new IGraphicsX11(this, kWidth, kHeight, 0);
@@ -86,82 +130,54 @@ HostedPlug::HostedPlug(audioMasterCallback callback)
   const IColor ground(255, 40, 80, 120);
   mGraphics->AttachPanelBackground(&ground);
   for (const auto& [rect, param] : {std::pair{kLevelRect, kLevel}, {kCountRect, kCount}}) {
-    auto* knob = new IKnobLineControl(this, rect, param, kColorWhite);
-    knob->DisablePrompt(false);
-    mGraphics->AttachControl(knob);
+    mGraphics->AttachControl(new IKnobLineControl(this, rect, param, kColorWhite));
   }
-  auto* caption = new ICaptionControl(this, kColourRect, kColour, IText(14, kColorWhite), false);
-  caption->DisablePrompt(false);
-  mGraphics->AttachControl(caption);
+  mGraphics->AttachControl(
+      new ICaptionControl(this, kColourRect, kColour, IText(14, kColorWhite), false));
+  for (int i = 1; i <= 3; ++i) mGraphics->GetControl(i)->DisablePrompt(false);
   mGraphics->AttachControl(new ProbeControl(this, kProbeRect));
   AttachGraphics(mGraphics);
 }
 
-EditorHostTest::EditorHostTest(int depth, std::vector<std::string> serverOptions)
-    : mServer(depth, std::move(serverOptions)),
-      mParent(
-          mUser.MakeWindow({kLeft, kTop, kLeft + HostedPlug::kWidth, kTop + HostedPlug::kHeight},
-                           XCB_EVENT_MASK_KEY_PRESS)) {
-  mUser.MoveTo(0, 0);
+EditorHostTest::EditorHostTest(const std::string& server)
+    : HostTest(HostedPlug::kWidth, HostedPlug::kHeight, server) {
   MakePlug();
 }
 
-EditorHostTest::~EditorHostTest() {
-  if (mPlug) Dispatch(effClose);
+EditorHostTest::~EditorHostTest() { EndPlug(); }
+
+void EditorHostTest::MakePlug() {
+  mPlug = new HostedPlug(&EditorHostTest::Answer);
+  mEffect = mPlug->GetAEffect();
 }
 
-void EditorHostTest::MakePlug() { mPlug = new HostedPlug(&EditorHostTest::Answer); }
-
-VstIntPtr EditorHostTest::Answer(AEffect* effect, int32_t opcode, int32_t index, VstIntPtr, void*,
-                                 float opt) {
-  static const std::map<int32_t, std::string> kNames = {{audioMasterAutomate, "set "},
-                                                        {audioMasterBeginEdit, "begin "},
-                                                        {audioMasterEndEdit, "end "}};
-  const auto name = kNames.find(opcode);
-  if (!effect || name == kNames.end()) return 0;
-  char value[32] = "";
-  if (opcode == audioMasterAutomate) std::snprintf(value, sizeof value, " %.3f", double{opt});
-  auto* plug = static_cast<HostedPlug*>(static_cast<IPlugVST*>(effect->object));
-  plug->Notes().Note(name->second + std::to_string(index) + value);
-  return 0;
+void EditorHostTest::EndPlug() {
+  if (std::exchange(mPlug, nullptr)) Dispatch(effClose);
 }
 
-VstIntPtr EditorHostTest::Dispatch(int opcode, int index, VstIntPtr value, void* ptr) {
-  AEffect* effect = mPlug->GetAEffect();
-  if (opcode == effClose) mPlug = nullptr;
-  return effect->dispatcher(effect, opcode, index, value, ptr, 0.0F);
+std::vector<uint32_t> EditorHostTest::Canvas() {
+  HostedPlug twin(&EditorHostTest::Answer);
+  AEffect* effect = twin.GetAEffect();
+  for (int i = 0; i < kNumHostedParams; ++i) {
+    effect->setParameter(effect, i, static_cast<float>(Normalized(i)));
+  }
+  IRECT all(0, 0, HostedPlug::kWidth, HostedPlug::kHeight);
+  twin.Graphics()->Draw(&all);
+  const LICE_IBitmap& canvas = *twin.Graphics()->GetCanvas();
+  std::vector<uint32_t> pixels;
+  for (int i = 0; i < all.W() * all.H(); ++i) {
+    const LICE_pixel p = canvas.getBits()[i / all.W() * canvas.getRowSpan() + i % all.W()];
+    pixels.push_back(static_cast<uint32_t>(LICE_GETR(p) << 16 | LICE_GETG(p) << 8 | LICE_GETB(p)));
+  }
+  return pixels;
 }
 
-bool EditorHostTest::Open(xcb_window_t parent) {
-  return Dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(uintptr_t{parent})) == 1;
-}
-
-xcb_window_t EditorHostTest::Window() const {
-  return static_cast<xcb_window_t>(reinterpret_cast<uintptr_t>(mPlug->Graphics()->GetWindow()));
-}
-
-float EditorHostTest::Normalized(int param) {
-  AEffect* effect = mPlug->GetAEffect();
-  return effect->getParameter(effect, param);
-}
-
-bool EditorHostTest::HasPicture(const IRECT& rect, uint32_t rgb) {
-  return Eventually([&] {
-    const auto pixels = mUser.Picture(Window(), rect);
-    return !pixels.empty() &&
-           std::all_of(pixels.begin(), pixels.end(), [rgb](uint32_t p) { return p == rgb; });
-  });
-}
-
-void EditorHostTest::ExpectBalancedEdits(const std::vector<std::string>& entries) {
+void EditorHostTest::ExpectBalancedEdits(const Entries& entries) {
   std::map<std::string, int> open;
   for (const std::string& entry : entries) {
-    const std::string param = entry.substr(entry.find(' ') + 1);
-    if (entry.starts_with("begin ")) {
-      EXPECT_EQ(++open[param], 1) << entry << " twice";
-    } else if (entry.starts_with("end ")) {
-      EXPECT_EQ(--open[param], 0) << entry << " unasked";
-    }
+    int& count = open[entry.substr(entry.find(' ') + 1)];
+    count += entry.starts_with("begin ") - entry.starts_with("end ");
+    EXPECT_TRUE(count == 0 || count == 1) << entry << " unasked";
   }
   for (const auto& [param, count] : open) EXPECT_EQ(count, 0) << "edit of " << param << " is open";
 }

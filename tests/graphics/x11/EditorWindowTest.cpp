@@ -1,7 +1,8 @@
 // The editor's window: opening, closing, and what can go wrong around it.
+#include <malloc.h>
+
 #include <thread>
 
-#include "graphics/lice/LICE_Bitmap.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace {
@@ -12,148 +13,185 @@ constexpr int kManyTimes = 60;
 constexpr int kManyTimes = 1000;
 #endif
 
-class EditorWindowTest : public EditorHostTest {
+constexpr IRECT kAll{0, 0, HostedPlug::kWidth, HostedPlug::kHeight};
+
+using EditorWindowTest = EditorHostTest;
+
+struct ServerKind {
+  const char* options;
+  bool shareMemory;
+  uint32_t (*pixelOf)(uint32_t rgb);
+};
+
+class ServerKindTest : public EditorHostTest, public ::testing::WithParamInterface<ServerKind> {
  protected:
-  using EditorHostTest::EditorHostTest;
-
-  static constexpr IRECT kAll{0, 0, HostedPlug::kWidth, HostedPlug::kHeight};
-
-  // The canvas as the screen should show it. With the window closed.
-  std::vector<uint32_t> Canvas() const {
-    const LICE_IBitmap* canvas = mPlug->Graphics()->GetCanvas();
-    std::vector<uint32_t> pixels;
-    for (int y = 0; y < canvas->getHeight(); ++y) {
-      for (int x = 0; x < canvas->getWidth(); ++x) {
-        const LICE_pixel p = canvas->getBits()[y * canvas->getRowSpan() + x];
-        pixels.push_back(
-            static_cast<uint32_t>(LICE_GETR(p) << 16 | LICE_GETG(p) << 8 | LICE_GETB(p)));
-      }
-    }
-    return pixels;
-  }
-  // True once what the window shows does not change for some frames.
-  std::vector<uint32_t> SettledPicture() const {
-    std::vector<uint32_t> before, now = mUser.Picture(Window(), kAll);
-    for (int i = 0; i < 50 && (before != now || i < 2); ++i) {
-      before = std::move(now);
-      std::this_thread::sleep_for(std::chrono::milliseconds(150));
-      now = mUser.Picture(Window(), kAll);
-    }
-    return now;
+  ServerKindTest() : EditorHostTest(GetParam().options) {}
+  bool ShowsCanvas() {
+    std::vector<uint32_t> expected = Canvas();
+    for (uint32_t& pixel : expected) pixel = GetParam().pixelOf(pixel);
+    return Eventually([&] { return mUser.Picture(Window(), kAll) == expected; });
   }
 };
 
-TEST_F(EditorWindowTest, ShowsTheCanvasPixelByPixel) {
+TEST_P(ServerKindTest, ShowsTheCanvasPixelByPixel) {
+  Graphics().ShareMemory(GetParam().shareMemory);
   ASSERT_TRUE(Open());
-  EXPECT_EQ(mUser.ChildrenOf(mParent), std::vector{Window()});
-  AEffect* effect = mPlug->GetAEffect();
-  effect->setParameter(effect, kLevel, 0.9F);
-  const auto picture = SettledPicture();
+  EXPECT_TRUE(ShowsCanvas());
+  for (int i = 0; i < 200; ++i) Set(i % 3, i % 11 / 10.0);  // while it draws
+  EXPECT_TRUE(ShowsCanvas());
+  // An area that was covered comes back, and so does all in a second window.
+  mUser.Destroy(mUser.MakeWindow({kLeft, kTop, kLeft + 150, kTop + 100}));
+  EXPECT_TRUE(ShowsCanvas());
   Close();
-  EXPECT_EQ(picture, Canvas());
-  EXPECT_EQ(picture[0], 0x285078U);  // the ground
-
-  // An area that was covered comes back, and a second window shows the same at once.
   ASSERT_TRUE(Open());
-  const xcb_window_t cover = mUser.MakeWindow({kLeft, kTop, kLeft + 150, kTop + 100});
-  mUser.Destroy(cover);
-  const auto again = SettledPicture();
-  Close();
-  EXPECT_EQ(again, picture);
+  EXPECT_TRUE(ShowsCanvas());
 }
 
-TEST_F(EditorWindowTest, ShowsTheSameWithoutSharedMemory) {
+uint32_t Whole(uint32_t rgb) { return rgb; }
+uint32_t FiveSixFive(uint32_t rgb) {
+  return (rgb >> 8 & 0xF800) | (rgb >> 5 & 0x07E0) | (rgb >> 3 & 0x1F);
+}
+uint32_t ThreeOfTen(uint32_t rgb) {
+  const auto ten = [](uint32_t byte) { return byte << 2 | byte >> 6; };
+  return ten(rgb >> 16) << 20 | ten(rgb >> 8 & 0xFF) << 10 | ten(rgb & 0xFF);
+}
+INSTANTIATE_TEST_SUITE_P(Servers, ServerKindTest,
+                         ::testing::Values(ServerKind{XServer::kUsual, true, Whole},
+                                           ServerKind{XServer::kUsual, false, Whole},
+                                           ServerKind{"-extension MIT-SHM", true, Whole},
+                                           ServerKind{"-screen 0 800x600x16", true, FiveSixFive},
+                                           ServerKind{"-screen 0 800x600x30", true, ThreeOfTen}));
+
+// Colours that are looked up would have to be filled in by somebody.
+TEST_F(EditorWindowTest, TakesTheVisualOfItsParentButNeverAPalette) {
+  std::vector<uint32_t> expected = Canvas();
+  int opened = 0;
+  for (auto d = xcb_screen_allowed_depths_iterator(&mUser.Screen()); d.rem; xcb_depth_next(&d)) {
+    const xcb_visualtype_t* visuals = xcb_depth_visuals(d.data);
+    for (int i = 0; i < xcb_depth_visuals_length(d.data); ++i) {
+      if (d.data->depth < 24 || visuals[i]._class < XCB_VISUAL_CLASS_TRUE_COLOR) continue;
+      const bool isPlain = visuals[i]._class == XCB_VISUAL_CLASS_TRUE_COLOR;
+      const uint32_t filler = isPlain && d.data->depth == 32 ? 0xFF000000 : 0;  // opaque
+      mParent = mUser.MakeWindow(kAll, d.data->depth, visuals[i].visual_id, 0);
+      ASSERT_TRUE(Open());
+      EXPECT_TRUE(Eventually([&] {
+        const auto picture = mUser.Picture(Window(), kAll);
+        return !picture.empty() && picture[0] == (expected[0] | filler);
+      }));
+      const auto attributes = mUser.Ask<xcb_get_window_attributes_reply_t>(
+          xcb_get_window_attributes(mUser.Get(), Window()));
+      EXPECT_EQ(attributes->visual, isPlain ? visuals[i].visual_id : mUser.Screen().root_visual);
+      Close();
+      ++opened;
+    }
+  }
+  EXPECT_GE(opened, 3);
+}
+
+class PaletteServerTest : public EditorHostTest {
+ protected:
+  PaletteServerTest() : EditorHostTest("-screen 0 800x600x8") {}
+};
+
+TEST_F(PaletteServerTest, AServerWithoutPlainColoursOpensNothing) {
+  EXPECT_FALSE(Open());
+  EXPECT_EQ(Dispatch(effEditClose), 1);
+}
+
+TEST_F(EditorWindowTest, DrawsOnePixelMoreThanWhatHasChanged) {
   ASSERT_TRUE(Open());
-  const auto shared = SettledPicture();
-  Close();
-  mPlug->Graphics()->ShareMemory(false);
-  ASSERT_TRUE(Open());
-  EXPECT_EQ(SettledPicture(), shared);
+  ASSERT_TRUE(Eventually([&] { return mPlug->probeDraws > 0; }));
+  const int before = mPlug->probeDraws;
+  Set(kColour, 1.0);  // whose right edge is the probe's left one
+  EXPECT_TRUE(Eventually([&] { return mPlug->probeDraws > before; }));
 }
 
 TEST_F(EditorWindowTest, OpensManyTimesAndLeavesNothing) {
-  ASSERT_TRUE(Open());
-  Close();
+  const auto openAndClose = [&](int i) {
+    ASSERT_TRUE(Open()) << i;
+    if (i % 50 == 0) Point(i % 300, 40);
+    if (i % 10 == 0) {
+      std::thread([&] { Close(); }).join();
+    } else {
+      Close();
+    }
+    ASSERT_FALSE(Graphics().WindowIsOpen());
+  };
+  for (int i = 0; i < 20; ++i) openAndClose(i);
   const int threads = ThreadCount();
   const int descriptors = DescriptorCount();
-  const size_t windows = mUser.ChildrenOf(mUser.Screen().root).size();
-  for (int i = 0; i < kManyTimes; ++i) {
-    ASSERT_TRUE(Open()) << i;
-    if (i % 50 == 0) mUser.MoveTo(kLeft + i % 300, kTop + 40);
-    Close();
-    ASSERT_FALSE(mPlug->Graphics()->WindowIsOpen());
-  }
+  const size_t bytes = mallinfo2().uordblks;
+  for (int i = 0; i < kManyTimes; ++i) ASSERT_NO_FATAL_FAILURE(openAndClose(i));
   EXPECT_EQ(ThreadCount(), threads);
   EXPECT_EQ(DescriptorCount(), descriptors);
-  EXPECT_TRUE(Eventually([&] { return mUser.ChildrenOf(mParent).empty(); }));
-  EXPECT_EQ(mUser.ChildrenOf(mUser.Screen().root).size(), windows);
+  EXPECT_LT(mallinfo2().uordblks, bytes + 10'000);
+  EXPECT_TRUE(Eventually([&] { return Window() == XCB_NONE; }));
 }
 
 TEST_F(EditorWindowTest, TakesHostsThatDoNotPairTheirCalls) {
   Close();
-  EXPECT_EQ(mPlug->Graphics()->GetWindow(), nullptr);
+  EXPECT_EQ(Graphics().GetWindow(), nullptr);
   ASSERT_TRUE(Open());
-  const xcb_window_t first = Window();
   ASSERT_TRUE(Open());
-  EXPECT_TRUE(Eventually([&] { return mUser.ChildrenOf(mParent) == std::vector{Window()}; }))
-      << "the first window, " << first << ", is still there";
+  EXPECT_TRUE(Eventually([&] { return mUser.ChildrenOf(mParent).size() == 1; }))
+      << "the first window is still there";
+  EXPECT_EQ(Graphics().GetWindow(), reinterpret_cast<void*>(uintptr_t{Window()}));
   Close();
   Close();
   EXPECT_FALSE(Open(XCB_NONE));
   EXPECT_FALSE(Open(0x1234567)) << "opened in a window that is not there";
   ASSERT_TRUE(Open());
-  Dispatch(effClose);  // with the window open
-  EXPECT_TRUE(Eventually([&] { return mUser.ChildrenOf(mParent).empty(); }));
+  EndPlug();  // with the window open
+  EXPECT_TRUE(Eventually([&] { return Window() == XCB_NONE; }));
 }
 
 TEST_F(EditorWindowTest, NeedsNoServerUntilItIsOpened) {
   const std::string display = getenv("DISPLAY");
-  Dispatch(effClose);
-  unsetenv("DISPLAY");
-  MakePlug();
-  ERect* rect = nullptr;
-  EXPECT_EQ(Dispatch(effEditGetRect, 0, 0, &rect), 1);
-  ASSERT_NE(rect, nullptr);
-  EXPECT_EQ(rect->right, HostedPlug::kWidth);
-  EXPECT_EQ(rect->bottom, HostedPlug::kHeight);
-  EXPECT_FALSE(Open());
-  EXPECT_EQ(Dispatch(effEditClose), 1);
+  EndPlug();
+  for (const char* wrong : {"", "nonsense", ":4711"}) {
+    setenv("DISPLAY", wrong, 1);
+    if (!*wrong) unsetenv("DISPLAY");
+    MakePlug();
+    ERect* rect = nullptr;
+    EXPECT_EQ(Dispatch(effEditGetRect, 0, 0, &rect), 1);
+    ASSERT_NE(rect, nullptr);
+    EXPECT_EQ(rect->right, HostedPlug::kWidth);
+    EXPECT_EQ(rect->bottom, HostedPlug::kHeight);
+    EXPECT_FALSE(Open());
+    EXPECT_EQ(Dispatch(effEditClose), 1);
+    EndPlug();
+  }
   setenv("DISPLAY", display.c_str(), 1);
+  MakePlug();
   EXPECT_TRUE(Open());
 }
 
-TEST_F(EditorWindowTest, OutlivesItsParent) {
-  ASSERT_TRUE(Open());
-  Point(HostedPlug::kLevelRect);
-  mUser.Press(1);
-  ASSERT_TRUE(mPlug->Notes().EndsWith("begin 0"));
-  mUser.Destroy(mParent);
-  EXPECT_TRUE(mPlug->Notes().EndsWith("end 0"));
-  mUser.Release(1);
-  Close();
-  mParent = mUser.MakeWindow({kLeft, kTop, kLeft + 300, kTop + 200});
-  EXPECT_TRUE(Open());
-}
-
-TEST_F(EditorWindowTest, OutlivesTheServer) {
-  ASSERT_TRUE(Open());
-  mServer.Kill();
-  AEffect* effect = mPlug->GetAEffect();
-  effect->setParameter(effect, kLevel, 0.9F);
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  Close();
+TEST_F(EditorWindowTest, OutlivesItsParentAndTheServer) {
+  for (const bool serverDies : {false, true}) {
+    ASSERT_TRUE(Open());
+    Point(HostedPlug::kLevelRect);
+    mUser.Press(1);
+    ASSERT_TRUE(Notes().Comes("begin 0"));
+    if (serverDies) {
+      mServer.Kill();
+    } else {
+      mUser.Destroy(mParent);
+      mUser.Release(1);
+      mParent = mUser.MakeWindow({kLeft, kTop, kLeft + 300, kTop + 200});
+    }
+    EXPECT_TRUE(Notes().Comes("end 0"));
+    Set(kLevel, 0.9);
+    Close();
+  }
+  EXPECT_FALSE(Open());
 }
 
 TEST_F(EditorWindowTest, FollowsTheEditorsSize) {
-  mPlug->onProbe = [this] { mPlug->Graphics()->Resize(350, 220); };
+  mPlug->onProbe = [this] { Graphics().Resize(350, 220); };
   ASSERT_TRUE(Open());
   Point(HostedPlug::kProbeRect);
   mUser.Click();
-  EXPECT_TRUE(Eventually([&] {
-    const X11Reply<xcb_get_geometry_reply_t> g(
-        xcb_get_geometry_reply(mUser.Get(), xcb_get_geometry(mUser.Get(), Window()), nullptr));
-    return g && g->width == 350 && g->height == 220;
-  }));
+  EXPECT_TRUE(Eventually([&] { return mUser.Place(Window()) == IRECT(0, 0, 350, 220); }));
   ERect* rect = nullptr;
   Dispatch(effEditGetRect, 0, 0, &rect);
   EXPECT_EQ(rect->right, 350);
@@ -162,41 +200,39 @@ TEST_F(EditorWindowTest, FollowsTheEditorsSize) {
 TEST_F(EditorWindowTest, TwoInstancesKeepApart) {
   ASSERT_TRUE(Open());
   HostedPlug* first = mPlug;
-  const xcb_window_t otherParent = mUser.MakeWindow({kLeft, kTop + 250, kLeft + 300, kTop + 450});
+  AEffect* firstEffect = mEffect;
   MakePlug();
-  ASSERT_TRUE(Open(otherParent));
-  Point(HostedPlug::kProbeRect.L + 5, HostedPlug::kProbeRect.T + 255);
+  ASSERT_TRUE(Open(mUser.MakeWindow({kLeft, kTop + 250, kLeft + 300, kTop + 450})));
+  Point(195, 265);
   mUser.Click();
-  EXPECT_TRUE(mPlug->Notes().EndsWith("up 195 15"));
-  Point(HostedPlug::kProbeRect.L + 5, HostedPlug::kProbeRect.T + 6);
+  EXPECT_TRUE(Notes().Comes("up 195 15"));
+  Point(195, 16);
   mUser.Click();
-  EXPECT_TRUE(first->Notes().EndsWith("up 195 16"));
-  Dispatch(effClose);
+  EXPECT_TRUE(first->Notes().Comes("up 195 16"));
+  EndPlug();
   mPlug = first;
-  Point(HostedPlug::kProbeRect.L + 5, HostedPlug::kProbeRect.T + 7);
+  mEffect = firstEffect;
+  Point(195, 17);
   mUser.Click();
-  EXPECT_TRUE(first->Notes().EndsWith("up 195 17"));
+  EXPECT_TRUE(Notes().Comes("up 195 17"));
 }
 
 // The host closes, with the lock in its hands, while the editor's thread wants that lock.
 TEST_F(EditorWindowTest, ClosingLetsTheEditorThroughToTheLock) {
   ASSERT_TRUE(Open());
-  Point(HostedPlug::kLevelRect);
+  Point(HostedPlug::kProbeRect);
   mUser.Press(1);
-  ASSERT_TRUE(mPlug->Notes().EndsWith("begin 0"));
+  ASSERT_TRUE(Notes().Comes("down 215 35 L"));
   {
     const PlugLock::Guard once(mPlug->GetLock());
     const PlugLock::Guard twice(mPlug->GetLock());
-    mUser.MoveTo(kLeft + 35, kTop + 10);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));  // it waits for the lock now
+    Point(195, 15);
+    ASSERT_TRUE(Notes().Comes("drag"));  // and from there to the lock
     Close();
     EXPECT_TRUE(mPlug->GetLock().IsMine());
   }
   EXPECT_FALSE(mPlug->GetLock().IsMine());
-  const auto entries = mPlug->Notes().Take();
-  EXPECT_EQ(entries.back(), "end 0");
-  EXPECT_EQ(entries.size(), 3U) << ::testing::PrintToString(entries);  // the drag came through
-  ExpectBalancedEdits(entries);
+  EXPECT_EQ(Notes().Take(), (Entries{"set 0 0.500", "up 195 15"}));
 }
 
 TEST_F(EditorWindowTest, ClosesFromInsideItsOwnCalls) {
@@ -204,50 +240,8 @@ TEST_F(EditorWindowTest, ClosesFromInsideItsOwnCalls) {
   ASSERT_TRUE(Open());
   Point(HostedPlug::kProbeRect);
   mUser.Click();
-  EXPECT_TRUE(Eventually([&] { return !mPlug->Graphics()->WindowIsOpen(); }));
-  mPlug->onProbe = nullptr;
+  EXPECT_TRUE(Eventually([&] { return !Graphics().WindowIsOpen(); }));
   EXPECT_TRUE(Open());
-}
-
-TEST_F(EditorWindowTest, DrawsWhileTheHostAutomates) {
-  ASSERT_TRUE(Open());
-  AEffect* effect = mPlug->GetAEffect();
-  for (int i = 0; i < 200; ++i) {
-    effect->setParameter(effect, i % 3, static_cast<float>(i % 11) / 10.0F);
-    if (i % 20 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(45));
-  }
-  const auto picture = SettledPicture();
-  Close();
-  EXPECT_EQ(picture, Canvas());
-}
-
-class ShallowServerTest : public EditorWindowTest {
- protected:
-  ShallowServerTest() : EditorWindowTest(16) {}
-};
-
-TEST_F(ShallowServerTest, SixteenBitsShowTheUpperBitsOfEachColour) {
-  ASSERT_TRUE(Open());
-  const IRECT corner{0, 0, 2, 1};
-  EXPECT_TRUE(Eventually([&] {
-    const X11Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
-        mUser.Get(),
-        xcb_get_image(mUser.Get(), XCB_IMAGE_FORMAT_Z_PIXMAP, Window(), 0, 0, 2, 1, ~0U), nullptr));
-    if (!image) return false;
-    uint16_t pixel;
-    memcpy(&pixel, xcb_get_image_data(image.get()), sizeof pixel);
-    return pixel == ((40 >> 3) << 11 | (80 >> 2) << 5 | 120 >> 3);
-  }));
-}
-
-class PaletteServerTest : public EditorWindowTest {
- protected:
-  PaletteServerTest() : EditorWindowTest(8) {}
-};
-
-TEST_F(PaletteServerTest, AServerWithoutPlainColoursOpensNothing) {
-  EXPECT_FALSE(Open());
-  EXPECT_EQ(Dispatch(effEditClose), 1);
 }
 
 }  // namespace

@@ -3,32 +3,31 @@
 #include <dlfcn.h>
 
 #include <atomic>
-#include <cstring>
 #include <thread>
 
+#include "graphics/lice/LICE_Bitmap.h"
+#include "graphics/lice/LICE_PNG.h"
 #include "graphics/x11/ChildProcess.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace {
 
 const std::string kModule = TOLMARA_BINARY_DIR "/Tolmara.so";
+const std::string kTool = TOLMARA_BINARY_DIR "/tolmara";
 
-class ModuleEditorTest : public ::testing::Test {
+// The server takes images only in several requests.
+class ModuleEditorTest : public HostTest {
  protected:
-  static constexpr int kLeft = 40, kTop = 30;
-
-  ModuleEditorTest() : mServer(24, {"-screen", "0", "1200x700x24"}) {
-    sJournal = &mJournal;
-    mModule = dlopen(kModule.c_str(), RTLD_LAZY | RTLD_LOCAL);
+  ModuleEditorTest()
+      : HostTest(960, 600, "-screen 0 1200x700x24 -extension MIT-SHM -maxbigreqsize 1"),
+        mModule(dlopen(kModule.c_str(), RTLD_LAZY | RTLD_LOCAL)) {
     EXPECT_NE(mModule, nullptr) << dlerror();
-    const auto entry =
-        reinterpret_cast<AEffect* (*)(audioMasterCallback)>(dlsym(mModule, "VSTPluginMain"));
-    mEffect = entry(&ModuleEditorTest::Answer);
+    mEffect = reinterpret_cast<AEffect* (*)(audioMasterCallback)>(dlsym(mModule, "VSTPluginMain"))(
+        &ModuleEditorTest::Answer);
+    mEffect->user = &mJournal;
     Dispatch(effOpen);
-    mEffect->dispatcher(mEffect, effSetSampleRate, 0, 0, nullptr, 44100.0F);
     Dispatch(effSetBlockSize, 0, 256);
     Dispatch(effMainsChanged, 0, 1);
-    mParent = mUser.MakeWindow({kLeft, kTop, kLeft + 960, kTop + 600});
     mUser.SetFocus(mParent);
   }
   ~ModuleEditorTest() override {
@@ -36,52 +35,43 @@ class ModuleEditorTest : public ::testing::Test {
     dlclose(mModule);
   }
 
-  VstIntPtr Dispatch(int opcode, int index = 0, VstIntPtr value = 0, void* ptr = nullptr) {
-    return mEffect->dispatcher(mEffect, opcode, index, value, ptr, 0.0F);
-  }
-  bool Open() {
-    return Dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(uintptr_t{mParent})) == 1;
-  }
-  xcb_window_t Window() { return mUser.ChildrenOf(mParent).at(0); }
-  void Point(int x, int y) { mUser.MoveTo(kLeft + x + 2, kTop + y + 3); }
   void PlayBlock() {
     std::vector<float> in(256, 0.1F), left(256), right(256);
     float* inputs[] = {in.data(), in.data()};
     float* outputs[] = {left.data(), right.data()};
     mEffect->processReplacing(mEffect, inputs, outputs, 256);
   }
-
-  static VstIntPtr Answer(AEffect*, int32_t opcode, int32_t index, VstIntPtr, void*, float) {
-    const char* name = opcode == audioMasterAutomate    ? "set "
-                       : opcode == audioMasterBeginEdit ? "begin "
-                       : opcode == audioMasterEndEdit   ? "end "
-                                                        : nullptr;
-    if (name) sJournal->Note(name + std::to_string(index));
-    return 0;
+  bool Shows(xcb_window_t window, const std::string& pngFile) {
+    const std::unique_ptr<LICE_IBitmap> png(LICE_LoadPNG(pngFile.c_str(), nullptr));
+    if (!png) return false;
+    std::vector<uint32_t> expected;
+    for (int i = 0; i < 960 * 600; ++i) {
+      const LICE_pixel p = png->getBits()[i / 960 * png->getRowSpan() + i % 960];
+      expected.push_back(
+          static_cast<uint32_t>(LICE_GETR(p) << 16 | LICE_GETG(p) << 8 | LICE_GETB(p)));
+    }
+    return Eventually([&] { return mUser.Picture(window, {0, 0, 960, 600}) == expected; });
+  }
+  static int Run(const std::vector<std::string>& command) {
+    auto program = ChildProcess::Start(command);
+    return program ? program->Wait() : -1;
   }
 
-  static Journal* sJournal;
-  XServer mServer;
-  XUser mUser;
   Journal mJournal;
   void* mModule;
-  AEffect* mEffect;
-  xcb_window_t mParent;
 };
-Journal* ModuleEditorTest::sJournal = nullptr;
 
 TEST_F(ModuleEditorTest, ItsControlsFollowMouseKeyboardAndMenu) {
   ASSERT_TRUE(Open());
   // Delay, by a drag upward.
-  const float delay = mEffect->getParameter(mEffect, 0);
+  const double delay = Normalized(0);
   Point(722, 149);
   mUser.Press(1);
   ASSERT_TRUE(mJournal.Comes("begin 0"));
   Point(722, 120);
-  ASSERT_TRUE(mJournal.Comes("set 0"));
   mUser.Release(1);
   ASSERT_TRUE(mJournal.Comes("end 0"));
-  EXPECT_GT(mEffect->getParameter(mEffect, 0), delay);
+  EXPECT_GT(Normalized(0), delay);
   // Gain, typed.
   Point(875, 496);
   mUser.Click(3);
@@ -90,7 +80,7 @@ TEST_F(ModuleEditorTest, ItsControlsFollowMouseKeyboardAndMenu) {
   mUser.Type("-3.5");
   mUser.Type(0xFF0D);
   ASSERT_TRUE(mJournal.Comes("end 6"));
-  EXPECT_FLOAT_EQ(mEffect->getParameter(mEffect, 6), (60.0F - 3.5F) / 120.0F);
+  EXPECT_NEAR(Normalized(6), (60.0 - 3.5) / 120.0, 1e-6);
   // The number of blocks, from its menu of 13 items: the last one.
   Point(632, 132);
   mUser.Click();
@@ -98,7 +88,7 @@ TEST_F(ModuleEditorTest, ItsControlsFollowMouseKeyboardAndMenu) {
   mUser.Type(0xFF57);
   mUser.Type(0xFF0D);
   ASSERT_TRUE(mJournal.Comes("end 39"));
-  EXPECT_EQ(mEffect->getParameter(mEffect, 39), 1.0F);
+  EXPECT_EQ(Normalized(39), 1.0);
   // The first switch.
   Point(75, 360);
   mUser.Click();
@@ -129,42 +119,38 @@ TEST_F(ModuleEditorTest, OpensAndClosesWhileSoundRunsAndPresetsStorm) {
   end = true;
   audio.join();
   presets.join();
-  EXPECT_TRUE(Eventually([&] { return mUser.ChildrenOf(mParent).empty(); }));
+  EXPECT_TRUE(Eventually([&] { return Window() == XCB_NONE; }));
 }
 
-// What the program's window shows, found without a window manager.
-TEST_F(ModuleEditorTest, TheProgramShowsItAndEndsWithItsWindow) {
+// Found without a window manager.
+TEST_F(ModuleEditorTest, TheProgramShowsItAsItsPictureAndEndsWithItsWindow) {
+  const std::string file = ::testing::TempDir() + "tolmara-editor.png";
+  ASSERT_EQ(Run({kTool, "screenshot", file, "--preset", "Cathedral"}), 0);
   const auto windows = mUser.ChildrenOf(mUser.Screen().root);
-  auto program = ChildProcess::Start(
-      {TOLMARA_BINARY_DIR "/tolmara", "editor", "--plugin", kModule, "--preset", "Cathedral"});
+  auto program =
+      ChildProcess::Start({kTool, "editor", "--plugin", kModule, "--preset", "Cathedral"});
   ASSERT_TRUE(program);
-  xcb_window_t host = XCB_NONE;
   ASSERT_TRUE(Eventually([&] {
     const auto now = mUser.ChildrenOf(mUser.Screen().root);
-    host = now.size() > windows.size() ? now.back() : XCB_NONE;
-    return host && mUser.ChildrenOf(host).size() == 1;
+    mParent = now.size() > windows.size() ? now.back() : XCB_NONE;
+    return mParent && Window();
   }));
-  const xcb_window_t editor = mUser.ChildrenOf(host)[0];
-  EXPECT_TRUE(Eventually([&] {
-    const auto pixels = mUser.Picture(editor, {0, 0, 1, 1});
-    return !pixels.empty() && pixels[0] != 0;
-  }));
-  EXPECT_EQ(mUser.Property(host, XCB_ATOM_WM_NAME), "Tolmara");
+  EXPECT_TRUE(Shows(Window(), file));
+  EXPECT_EQ(mUser.Text(mParent, XCB_ATOM_WM_NAME), "Tolmara");
 
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
-  message.window = host;
+  message.window = mParent;
   message.type = mUser.Atom("WM_PROTOCOLS");
   message.data.data32[0] = mUser.Atom("WM_DELETE_WINDOW");
-  xcb_send_event(mUser.Get(), 0, host, 0, reinterpret_cast<const char*>(&message));
-  mUser.Sync();
+  mUser.Send(mParent, 0, &message);
   EXPECT_EQ(program->Wait(), 0);
 
+  EXPECT_EQ(Run({kTool, "editor", "--plugin", kModule, "--preset", "No Such Place"}), 4);
   const std::string display = getenv("DISPLAY");
   unsetenv("DISPLAY");
-  auto blind = ChildProcess::Start({TOLMARA_BINARY_DIR "/tolmara", "editor", "--plugin", kModule});
-  EXPECT_EQ(blind->Wait(), 5);
+  EXPECT_EQ(Run({kTool, "editor", "--plugin", kModule}), 5);
   setenv("DISPLAY", display.c_str(), 1);
 }
 

@@ -1,13 +1,10 @@
 // Typed entry in the window.
-#include <thread>
-
 #include "graphics/x11/LineEdit.h"
 #include "graphics/x11/Utf8.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace {
 
-using Entries = std::vector<std::string>;
 constexpr xcb_keysym_t kReturn = 0xFF0D, kEscape = 0xFF1B, kHome = 0xFF50, kLeftKey = 0xFF51,
                        kEnd = 0xFF57, kBackSpace = 0xFF08, kDelete = 0xFFFF;
 
@@ -17,48 +14,52 @@ class TextEntryTest : public EditorHostTest {
     EXPECT_TRUE(Open());
     mUser.SetFocus(mParent);
   }
-  Journal& Notes() { return mPlug->Notes(); }
 
   // A right click on a knob opens its field with the whole text selected.
-  void OpenField(const IRECT& rect = HostedPlug::kLevelRect, const std::string& end = "end 0") {
+  void OpenField(const IRECT& rect = HostedPlug::kLevelRect) {
     Point(rect);
     mUser.Click(3);
-    ASSERT_TRUE(Notes().EndsWith(end));
-    ASSERT_TRUE(Eventually([&] { return FieldIsOpen(); }));
-    ASSERT_TRUE(Eventually([&] { return mUser.Focus() == Window(); }));
+    ASSERT_TRUE(Eventually([&] { return HasChild() && mUser.Focus() == Window(); }));
     Notes().Take();
   }
-  bool FieldIsOpen() { return !mUser.ChildrenOf(Window()).empty(); }
-  void ExpectClosed() {
-    EXPECT_TRUE(Eventually([&] { return !FieldIsOpen(); }));
-    EXPECT_TRUE(Eventually([&] { return mUser.Focus() == mParent; })) << mUser.Focus();
+  void ExpectClosed() { ExpectClosed(mParent); }
+  void ExpectClosed(xcb_window_t focus) {
+    EXPECT_TRUE(Eventually([&] { return !HasChild() && mUser.Focus() == focus; }));
+  }
+  void Commit(double level) {
+    mUser.Type(kReturn);
+    ExpectClosed();
+    EXPECT_NEAR(Value(kLevel), level, 1e-9);
   }
 };
 
 TEST_F(TextEntryTest, EnterCommitsWhatWasTypedAsOneEdit) {
   OpenField();
   mUser.Type("12.5x");  // the letter is not let in
-  mUser.Type(kReturn);
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
+  Commit(12.5);
   EXPECT_EQ(Notes().Take(), (Entries{"begin 0", "set 0 0.125", "end 0"}));
-  ExpectClosed();
-
-  // The keypad's keys, and the least text.
+  // The keypad's keys, without the lock for numbers.
   OpenField();
-  for (const xcb_keysym_t key : {0xFFB4U, 0xFFAEU, 0xFFB5U}) {
-    mUser.TypeWith(kShiftKey, key);  // without the lock for numbers
-  }
-  mUser.Type(0xFF8D);
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
-  EXPECT_NEAR(Value(kLevel), 4.5, 1e-9);
+  for (const xcb_keysym_t key : {0xFFB4U, 0xFFAEU, 0xFFB5U}) mUser.TypeWith(kShiftKey, key);
+  mUser.Type(kKeypadEnter);
   ExpectClosed();
+  EXPECT_NEAR(Value(kLevel), 4.5, 1e-9);
+  // No more than seven characters.
+  OpenField();
+  mUser.Type("1.234567");
+  Commit(1.23456);
 }
 
-TEST_F(TextEntryTest, EscapeAbandons) {
-  OpenField();
-  mUser.Type("99");
-  mUser.Type(kEscape);
-  ExpectClosed();
+TEST_F(TextEntryTest, EscapeAbandonsAndTheFocusGoesBackToWhoIsLeft) {
+  const xcb_window_t other = mUser.MakeWindow({500, 0, 600, 50});
+  for (const xcb_window_t before : {mParent, Window(), other}) {
+    mUser.SetFocus(before);
+    OpenField();
+    mUser.Type("99");
+    if (before == other) mUser.Destroy(other);
+    mUser.Type(kEscape);
+    ExpectClosed(before == other ? mParent : before);
+  }
   EXPECT_EQ(Notes().Take(), Entries{});
   EXPECT_EQ(Value(kLevel), 25.0);
 }
@@ -72,65 +73,82 @@ TEST_F(TextEntryTest, CaretAndSelectionFollowKeysAndMouse) {
   mUser.Type(kLeftKey);
   mUser.Type(kBackSpace);  // 37
   mUser.TypeWith(kShiftKey, kHome);
-  mUser.Type("4");  // 47
-  mUser.Type(kReturn);
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
-  EXPECT_NEAR(Value(kLevel), 47.0, 1e-9);
-
+  mUser.Type("4");
+  Commit(47.0);
   // A press puts the caret, a second one takes the whole number.
   OpenField();
   mUser.Click();
   mUser.Click();
   mUser.Type("8");
-  mUser.Type(kReturn);
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
-  EXPECT_NEAR(Value(kLevel), 8.0, 1e-9);
-
-  // Left of the text, then with shift to its right end.
-  OpenField();
-  mUser.MoveTo(kLeft + 21, kTop + 35);
-  mUser.Click();
-  mUser.HoldKey(kShiftKey);
-  mUser.MoveTo(kLeft + 48, kTop + 35);
-  mUser.Click();
-  mUser.ReleaseKey(kShiftKey);
-  mUser.Type("6");
-  mUser.Type(kReturn);
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
-  EXPECT_NEAR(Value(kLevel), 6.0, 1e-9);
+  Commit(8.0);
+  // A press left of the text, a drag or a press with shift to its right end.
+  for (const bool withShift : {false, true}) {
+    OpenField();
+    mUser.MoveTo(kLeft + 21, kTop + 35);
+    mUser.Press(1);
+    if (withShift) mUser.Release(1);
+    if (withShift) mUser.HoldKey(kShiftKey);
+    mUser.MoveTo(kLeft + 48, kTop + 35);
+    if (withShift) mUser.Press(1);
+    mUser.Release(1);
+    if (withShift) mUser.ReleaseKey(kShiftKey);
+    mUser.Type("6");
+    Commit(6.0);
+  }
 }
 
-TEST_F(TextEntryTest, CopiesAndPastes) {
+TEST_F(TextEntryTest, CopiesToTheHost) {
   OpenField();
   mUser.Type("31");
-  mUser.TypeWith(kControlKey, 'a');
-  mUser.TypeWith(kControlKey, 'x');
-  mUser.TypeWith(kControlKey, 'v');
-  mUser.TypeWith(kControlKey, 'v');
-  mUser.TypeWith(kControlKey, 'a');
-  mUser.TypeWith(kControlKey, 'c');
+  for (const char key : {'a', 'x', 'v', 'v', 'a', 'c'}) {
+    mUser.TypeWith(kControlKey, static_cast<xcb_keysym_t>(key));
+  }
   mUser.Type(kEscape);
   ExpectClosed();
-
-  // The host pastes it.
-  const xcb_atom_t clipboard = mUser.Atom("CLIPBOARD");
   const xcb_atom_t utf8 = mUser.Atom("UTF8_STRING");
-  xcb_convert_selection(mUser.Get(), mParent, clipboard, utf8, utf8, XCB_CURRENT_TIME);
-  ASSERT_TRUE(Eventually([&] { return mUser.Property(mParent, utf8) == "3131"; }));
+  xcb_convert_selection(mUser.Get(), mParent, mUser.Atom("CLIPBOARD"), utf8, utf8,
+                        XCB_CURRENT_TIME);
+  EXPECT_TRUE(Eventually([&] { return mUser.Text(mParent, utf8) == "3131"; }));
+}
 
-  // The host copies, and this editor pastes: blanks around a number are none of it, and a text
-  // that would not be let in changes nothing.
-  for (const auto& [copied, value] : {std::pair{" 64.5\n", 64.5}, {"12345678", 64.5}}) {
+TEST_F(TextEntryTest, PastesWhatTheHostCopiedIfItIsLetIn) {
+  enum { kText, kRefusal, kPieces, kSilence, kElsewhere };
+  const struct {
+    int answer;
+    std::string text;
+    double level;
+  } cases[] = {{kText, " 64.5\n", 64.5},  // blanks around a number are none of it
+               {kText, "12345678", 64.5}, {kText, std::string(100'000, '1'), 64.5},
+               {kRefusal, "", 64.5},      {kPieces, "7", 64.5},
+               {kSilence, "", 64.5},      {kElsewhere, "8", 64.5},
+               {kText, "9", 9.0}};
+  xcb_set_selection_owner(mUser.Get(), mParent, mUser.Atom("CLIPBOARD"), XCB_CURRENT_TIME);
+  for (const auto& [answer, text, level] : cases) {
     OpenField();
-    xcb_set_selection_owner(mUser.Get(), mParent, clipboard, XCB_CURRENT_TIME);
-    mUser.Sync();
     mUser.TypeWith(kControlKey, 'v');
-    ASSERT_TRUE(mUser.ServeSelection(copied));
-    mUser.Sync();
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    mUser.Type(kReturn);
-    ExpectClosed();
-    EXPECT_NEAR(Value(kLevel), value, 1e-9);
+    const X11Event event = mUser.NextEvent(XCB_SELECTION_REQUEST);
+    ASSERT_NE(event, nullptr);
+    const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(*event);
+    const xcb_atom_t property = answer == kRefusal     ? XCB_NONE
+                                : answer == kElsewhere ? mUser.Atom("_NET_WM_NAME")
+                                                       : request.property;
+    const xcb_atom_t type = answer == kPieces ? mUser.Atom("INCR") : request.target;
+    if (property) mUser.SetText(request.requestor, property, text, type);
+    xcb_selection_notify_event_t notice{};
+    notice.response_type = XCB_SELECTION_NOTIFY;
+    notice.time = request.time;
+    notice.requestor = request.requestor;
+    notice.selection = request.selection;
+    notice.target = request.target;
+    notice.property = property;
+    if (answer != kSilence) mUser.Send(request.requestor, 0, &notice);
+    Commit(level);
+    // What nobody asked for is not taken.
+    OpenField();
+    mUser.SetText(request.requestor, request.property, "5", request.target);
+    notice.property = request.property;
+    mUser.Send(request.requestor, 0, &notice);
+    Commit(level);
   }
 }
 
@@ -140,28 +158,23 @@ TEST_F(TextEntryTest, EndsWhereTheUserGoesElsewhere) {
   mUser.Type("50");
   Point(195, 15);
   mUser.Click();
-  ASSERT_TRUE(Notes().EndsWith("up 195 15"));
-  EXPECT_EQ(Notes().Take(), (Entries{"over 195 15", "begin 0", "set 0 0.500", "end 0",
-                                     "down 195 15 L", "up 195 15"}));
+  EXPECT_EQ(Notes().UpTo("up 195 15"), (Entries{"over 195 15", "begin 0", "set 0 0.500", "end 0",
+                                                "down 195 15 L", "up 195 15"}));
   ExpectClosed();
-
   // So does the loss of the keyboard.
   OpenField();
   mUser.Type("60");
-  mUser.SetFocus(mUser.MakeWindow({500, 0, 600, 50}));
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
+  const xcb_window_t other = mUser.MakeWindow({500, 0, 600, 50});
+  mUser.SetFocus(other);
+  ExpectClosed(other);
   EXPECT_NEAR(Value(kLevel), 60.0, 1e-9);
-  EXPECT_TRUE(Eventually([&] { return !FieldIsOpen(); }));
   mUser.SetFocus(mParent);
-
   // The wheel ends it first, and the text is gone.
   OpenField();
   mUser.Type("90");
   mUser.Wheel(1);
-  ASSERT_TRUE(Notes().EndsWith("end 0"));
-  EXPECT_NEAR(Value(kLevel), 61.0, 1e-9);
+  EXPECT_EQ(Notes().UpTo("end 0"), (Entries{"begin 0", "set 0 0.610", "end 0"}));
   ExpectClosed();
-
   // So does closing.
   OpenField();
   mUser.Type("90");
@@ -173,30 +186,32 @@ TEST_F(TextEntryTest, EndsWhereTheUserGoesElsewhere) {
 TEST_F(TextEntryTest, OneFieldFollowsAnother) {
   OpenField();
   mUser.Type("7");
-  OpenField(HostedPlug::kCountRect, "end 1");
+  Point(HostedPlug::kCountRect);
+  mUser.Click(3);
+  ASSERT_TRUE(Notes().Comes("end 1"));
   EXPECT_NEAR(Value(kLevel), 7.0, 1e-9);
   mUser.Type("9.");  // no point in a whole number
   mUser.Type(kReturn);
-  ASSERT_TRUE(Notes().EndsWith("end 1"));
-  EXPECT_EQ(Value(kCount), 9.0);
   ExpectClosed();
+  EXPECT_EQ(Value(kCount), 9.0);
 }
 
 TEST_F(TextEntryTest, AFieldWithoutParameterTakesAnyText) {
   mPlug->onProbe = [this] {
     IText style;
     IRECT rect(190, 70, 290, 90);
-    IControl* probe = mPlug->Graphics()->GetControl(4);
-    mPlug->Graphics()->CreateTextEntry(probe, &style, &rect, "old", nullptr);
+    Graphics().CreateTextEntry(Graphics().GetControl(4), &style, &rect, "old", nullptr);
   };
   Point(195, 15);
   mUser.Click();
-  ASSERT_TRUE(Eventually([&] { return FieldIsOpen(); }));
-  // Its colours are those of the style, and the selected text stands in exchanged ones.
-  EXPECT_TRUE(HasPicture({190, 70, 192, 90}, 0xFFFFFF));
+  ASSERT_TRUE(Eventually([&] { return HasChild(); }));
+  // Its colours are those of the style.
+  EXPECT_TRUE(Eventually([&] {
+    return mUser.Picture(Window(), {190, 70, 192, 90}) == std::vector<uint32_t>(40, 0xFFFFFF);
+  }));
   mUser.Type("A longer text, 100% free");
   mUser.Type(kReturn);
-  EXPECT_TRUE(Notes().EndsWith("A longer text, 100% free"));
+  EXPECT_TRUE(Notes().Comes("A longer text, 100% free"));
 }
 
 TEST(LineEdit, KeepsWhatTheFilterWouldNotLetIn) {
@@ -227,12 +242,11 @@ TEST(LineEdit, KeepsWhatTheFilterWouldNotLetIn) {
 
 TEST(LineEdit, SelectsAWordBetweenBlanks) {
   LineEdit edit(U"one two  three", {});
-  edit.SelectWord(5);
-  EXPECT_EQ(edit.Selected(), U"two");
-  edit.SelectWord(14);
-  EXPECT_EQ(edit.Selected(), U"three");
-  edit.SelectWord(8);  // between two blanks
-  EXPECT_EQ(edit.Selected(), U"");
+  const std::pair<int, const char32_t*> cases[] = {{5, U"two"}, {14, U"three"}, {8, U""}};
+  for (const auto& [position, word] : cases) {
+    edit.SelectWord(position);
+    EXPECT_EQ(edit.Selected(), word);
+  }
 }
 
 TEST(Utf8, GoesBothWaysAndLeavesOutWhatIsNone) {
@@ -241,12 +255,8 @@ TEST(Utf8, GoesBothWaysAndLeavesOutWhatIsNone) {
   EXPECT_EQ(ToUtf8(text), "a\xC3\x9F\xE2\x82\xAC\xF0\x9F\x98\x80");
   // Cut short, too long for the character, half of a pair, beyond the last character.
   EXPECT_EQ(FromUtf8("a\xE2\x82"), U"a");
-  EXPECT_EQ(FromUtf8("\xC0\xAF\xE0\x80\xAF"
-                     "b"),
-            U"b");
-  EXPECT_EQ(FromUtf8("\xED\xA0\x80\xF4\x90\x80\x80"
-                     "c"),
-            U"c");
+  EXPECT_EQ(FromUtf8("\xC0\xAF\xE0\x80\xAF\x62"), U"b");
+  EXPECT_EQ(FromUtf8("\xED\xA0\x80\xF4\x90\x80\x80\x63"), U"c");
 }
 
 }  // namespace

@@ -4,8 +4,9 @@
 #include <sys/types.h>
 #include <xcb/xcb.h>
 
+#include <cstdio>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,22 +14,22 @@
 #include "graphics/x11/X11Connection.h"
 #include "graphics/x11/X11Screen.h"
 
-// Waits for a condition, up to some seconds; returns whether it came true.
+// Waits for a condition, far longer than it should take; returns whether it came true.
 bool Eventually(const std::function<bool()>& condition);
 
 // A program of the tests' own, ended with the object.
 class TestProgram {
  public:
-  // What it writes first to descriptor 3 or its output is the result of FirstLine.
-  explicit TestProgram(std::vector<std::string> arguments);
-  ~TestProgram();
+  explicit TestProgram(const std::string& command);
+  ~TestProgram() { Kill(); }
   TestProgram(const TestProgram&) = delete;
   TestProgram& operator=(const TestProgram&) = delete;
 
-  const std::string& FirstLine() const { return mFirstLine; }
+  const std::string& FirstLine() const { return mFirstLine; }  // of its output
   void Kill();
 
  private:
+  std::FILE* mOutput;
   pid_t mPid = 0;
   std::string mFirstLine;
 };
@@ -37,68 +38,73 @@ class TestProgram {
 class XServer {
  public:
   static constexpr int kWidth = 800, kHeight = 600;
+  static constexpr const char* kUsual = "-screen 0 800x600x24";
 
-  explicit XServer(int depth = 24, std::vector<std::string> options = {});
+  explicit XServer(const std::string& options);
   ~XServer();
-  void Kill() { mProgram->Kill(); }
+  void Kill() { mProgram.Kill(); }
 
  private:
-  std::unique_ptr<TestProgram> mProgram;
+  TestProgram mProgram;
 };
+
+constexpr xcb_keysym_t kShiftKey = 0xFFE1, kControlKey = 0xFFE3, kAltKey = 0xFFE9,
+                       kSuperKey = 0xFFEB, kKeypadEnter = 0xFF8D;
 
 // The host's own connection.
 class XUser {
  public:
   XUser();
-  ~XUser();
-  XUser(const XUser&) = delete;
-  XUser& operator=(const XUser&) = delete;
 
-  xcb_connection_t* Get() const { return mConnection; }
-  const xcb_screen_t& Screen() const { return *mScreen; }
-  // Waits until the server has done all that was asked.
-  void Sync() const;
+  xcb_connection_t* Get() { return mConnection.Get(); }
+  const xcb_screen_t& Screen() const { return mConnection.Screen(); }
+  template <class Reply, class Cookie>
+  X11Reply<Reply> Ask(Cookie cookie) {
+    return mConnection.Await<Reply>(cookie);
+  }
+  void Sync() { Focus(); }  // waits until the server has done all that was asked
 
-  // A mapped window below the root that keeps its place.
-  xcb_window_t MakeWindow(const IRECT& place, uint32_t events = 0) const;
-  void Destroy(xcb_window_t window) const;
-  std::vector<xcb_window_t> ChildrenOf(xcb_window_t window) const;
-  xcb_window_t Focus() const;
-  void SetFocus(xcb_window_t window) const;
-  bool CanGrab() const;  // nobody holds mouse or keyboard
+  // A mapped window below the root that keeps its place; of a visual of 24 or 32 bits.
+  xcb_window_t MakeWindow(const IRECT& place, uint32_t events = 0);
+  xcb_window_t MakeWindow(const IRECT& place, int depth, xcb_visualid_t visual, uint32_t events);
+  void Destroy(xcb_window_t window);
+  std::vector<xcb_window_t> ChildrenOf(xcb_window_t window);
+  IRECT Place(xcb_window_t window);  // in its parent; empty when it has gone
+  xcb_window_t Focus();
+  void SetFocus(xcb_window_t window);
+  bool GrabKeys();
+  bool CanGrab();  // nobody holds mouse or keyboard
 
   // The real input of a user. Places are those of the screen.
-  X11Point Pointer() const;
-  void MoveTo(int x, int y) const;
-  void Press(int button) const;
-  void Release(int button) const;
-  void Click(int button = 1) const;
-  void Wheel(int distance) const;
-  void HoldKey(xcb_keysym_t symbol) const;
-  void ReleaseKey(xcb_keysym_t symbol) const;
-  void Type(xcb_keysym_t symbol) const;
-  void Type(const std::string& text) const;
-  void TypeWith(xcb_keysym_t modifier, xcb_keysym_t symbol) const;
+  X11Point Pointer();
+  void MoveTo(int x, int y) { Fake(XCB_MOTION_NOTIFY, 0, x, y); }
+  void Press(int button) { Fake(XCB_BUTTON_PRESS, button); }
+  void Release(int button) { Fake(XCB_BUTTON_RELEASE, button); }
+  void Click(int button = 1);
+  void Wheel(int distance);
+  xcb_keycode_t CodeOf(xcb_keysym_t symbol, bool* shifted = nullptr);
+  void HoldKey(xcb_keysym_t symbol) { Fake(XCB_KEY_PRESS, CodeOf(symbol)); }
+  void ReleaseKey(xcb_keysym_t symbol) { Fake(XCB_KEY_RELEASE, CodeOf(symbol)); }
+  void Type(xcb_keysym_t symbol);
+  void Type(const std::string& text);
+  void TypeWith(xcb_keysym_t modifier, xcb_keysym_t symbol);
 
-  // Pixels 0xRRGGBB of a part of a window; a pixel that is not on the screen is -1.
-  std::vector<uint32_t> Picture(xcb_window_t window, const IRECT& rect) const;
-  uint32_t ScreenPixel(int x, int y) const;
-  X11Event NextEvent() const;  // waits for it; null when none comes
+  // Pixels of a part of a window as the server counts them, without bits that are of no depth.
+  std::vector<uint32_t> Picture(xcb_window_t window, const IRECT& rect);
+  uint32_t ScreenPixel(int x, int y);  // all bits set for one that is not on the screen
 
-  xcb_atom_t Atom(const char* name) const;
-  std::string Property(xcb_window_t window, xcb_atom_t name) const;  // text, "" for none
-  // Answers the next request for a selection of ours. False when none comes.
-  bool ServeSelection(const std::string& text) const;
+  // The next event of a type; null when none comes.
+  X11Event NextEvent(int type);
+  void Send(xcb_window_t window, uint32_t mask, const void* event);
+  xcb_atom_t Atom(const char* name);
+  void SetText(xcb_window_t window, xcb_atom_t name, const std::string& text, xcb_atom_t type);
+  std::string Text(xcb_window_t window, xcb_atom_t name);  // "" for none
 
  private:
-  void Fake(uint8_t type, int detail, int x = 0, int y = 0) const;
-  xcb_keycode_t CodeOf(xcb_keysym_t symbol, bool* shifted) const;
+  void Fake(uint8_t type, int detail, int x = 0, int y = 0);
 
-  xcb_connection_t* mConnection;
-  const xcb_screen_t* mScreen;
+  X11Connection mConnection;
 };
-
-constexpr xcb_keysym_t kShiftKey = 0xFFE1, kControlKey = 0xFFE3, kSuperKey = 0xFFEB;
 
 // What this process holds of the system.
 int ThreadCount();
