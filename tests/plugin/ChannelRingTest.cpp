@@ -45,19 +45,3 @@ TEST(ChannelRing, DelaysByOneBlockForAnyFrameCounts) {
     ExpectDelayOfOneBlock(B, changing);
   }
 }
-
-TEST(ChannelRing, ClearSilencesTheSignalAndKeepsThePositions) {
-  ChannelRing ring;
-  ring.Allocate(8);
-  const std::vector<double> ones(5, 1.0);
-  std::vector<double> out(5);
-  ring.WriteInput(ones.data(), 5);
-  ring.ReadOutput(out.data(), 5);
-  ring.Clear();
-  EXPECT_EQ(ring.writePos, 5);
-  ring.WriteInput(ones.data(), 5);
-  ASSERT_TRUE(ring.HasBlock(5));
-  AlignedVector<float> block(8);
-  ring.TakeBlock(block.data());
-  EXPECT_EQ(block, (AlignedVector<float>{0, 0, 0, 0, 0, 1, 1, 1}));
-}

@@ -100,7 +100,7 @@ TEST(StereoStages, ValuesThatAreNoNumbersPassOnceAndLeaveNoTrace) {
   Block left, right;
   // The block after the bad one still ramps from it.
   for (const float setting : {nan, 0.5f, 0.5f}) {
-    left = right = Block(B, 1.0f);
+    left = right = Block(B, std::isnan(setting) ? nan : 1.0f);
     ApplyPhaseFilter(state, setting, left.data(), right.data(), B);
     ApplyGain(gain, setting, left.data(), right.data(), B);
   }

@@ -6,9 +6,11 @@
 #include <cmath>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "plugin/FactoryPresets.h"
+#include "plugin/ResponseShaping.h"
 #include "tests/plugin/TolmaraProbe.h"
 #include "tests/support/AllocationGuard.h"
 #include "tests/support/Random.h"
@@ -211,34 +213,78 @@ TEST(Worker, TheLargestPartitionDoesNotChangeTheSound) {
 }
 
 TEST(Worker, ASynchronousRenderGivesTheSameBitsAndRestoresTheControlWord) {
+#ifdef __SSE2__
+  constexpr unsigned kFlushesToZero = 0x8040;
+  _mm_setcsr(_mm_getcsr() & ~kFlushesToZero);
+#endif
   TolmaraProbe probe;
   probe.Set(kTimeStretch, 3);
   probe.Settle();
   const AlignedVector<float> fromWorker = probe.Synthesised();
-#ifdef __SSE2__
-  const unsigned before = _mm_getcsr() & ~0x3Fu;  // without the sticky exception flags
-#endif
   probe.SetFormat(64, 48000);
   EXPECT_NE(probe.Synthesised(), fromWorker);
-  probe.SetFormat(64, 44100);
-#ifdef __SSE2__
-  EXPECT_EQ(_mm_getcsr() & ~0x3Fu, before);
-#endif
+  probe.SetFormat(64, 0);  // none told
   EXPECT_EQ(probe.Synthesised(), fromWorker);
+#ifdef __SSE2__
+  EXPECT_EQ(_mm_getcsr() & kFlushesToZero, 0u);
+#endif
 }
 
-TEST(Worker, ResetWithTheSameFormatKeepsTheResponseAndSilencesTheRest) {
+TEST(Worker, TheOffsetIsTheDepthInWholeMetres) {
+  TolmaraProbe probe;
+  const auto synthesised = [&probe](int depth) {
+    probe.Set(DimParam(0, kDimDepth), depth);
+    probe.Settle();
+    return probe.Synthesised();
+  };
+  probe.Set(DimParam(0, kDimSize), 4);
+  const auto oneMetre = synthesised(25);
+  EXPECT_EQ(synthesised(49), oneMetre);
+  EXPECT_NE(synthesised(50), oneMetre);
+  EXPECT_NE(synthesised(24), oneMetre);
+}
+
+TEST(Worker, ShapesACopyOfTheSynthesisedResponse) {
+  TolmaraProbe probe;
+  const auto expectShaped = [&probe](bool normalised) {
+    probe.Set(kNormalizationMode, normalised);
+    probe.Settle();
+    AlignedVector<float> h = probe.Synthesised();
+    const int n = static_cast<int>(h.size());
+    ReverseHead(h, 30.0f);
+    CutLows(h, 44100, 500, 50);
+    TrimStart(h, n, 10.0f);
+    if (normalised) NormalizeEnergy(h);
+    const std::vector<double> want(h.begin(), h.end());
+    EXPECT_LT(LargestDifference(probe.Response(want.size()), want), 1e-6) << normalised;
+  };
+  probe.Set(DimParam(0, kDimRefl), -1);  // for an energy above 1
+  probe.Set(kReversePercent, 30);
+  probe.Set(kLowCutFreq, 500);
+  probe.Set(kLowCutQuality, 5);
+  probe.Set(kTimeT0Percent, 10);
+  expectShaped(true);
+  expectShaped(false);
+}
+
+TEST(Worker, ResetWithTheSameFormatKeepsTheResponseAndForgetsTheSignalAndTheOldSettings) {
   TolmaraProbe probe;
   const void* const sounding = probe.Active(0);
-  std::vector<double> left(40, 1.0), right(40, 1.0);
-  probe.Process(left, right, 40);
+  probe.Set(kTimeDelay, 20);
+  const auto process = [&probe](double input) {
+    std::vector<double> left(4000, input), right = left;
+    for (size_t at = 0; at < left.size(); at += 40) probe.Process(left, right, 40, at);
+    return left;
+  };
+  process(1.0);
   const int position = probe.RingPosition();
   probe.Plugin().Reset();
   EXPECT_EQ(probe.Active(0), sounding);
   EXPECT_EQ(probe.RingPosition(), position);
-  std::vector<double> silence(2000);
-  for (size_t at = 0; at + 64 <= silence.size(); at += 64) probe.Process(silence, silence, 64, at);
-  EXPECT_EQ(silence, std::vector<double>(2000));
+  EXPECT_EQ(process(0.0), std::vector<double>(4000));
+  probe.Set(kMix, 0.0);
+  probe.Plugin().Reset();
+  for (const double x : process(1.0)) EXPECT_TRUE(x == 0.0 || x == 1.0) << "a ramp: " << x;
 }
 
 TEST(Worker, AFormatChangeDuringARenderWaitsForItAndDropsItsResult) {
@@ -281,22 +327,49 @@ TEST(AudioPath, AllocatesNothingAndTakesOnlyThePluginsLock) {
   ASSERT_FALSE(probe.SwapPending());
 }
 
+TEST(AudioPath, DelaysAndSoftensTheChannelThatASettingNames) {
+  TolmaraProbe probe;
+  probe.EmptyRoom();  // the wet path copies the input, so that only what follows it acts
+  const struct {
+    int id;
+    double value;
+    size_t leftDelay, rightDelay;  // samples
+    double leftGain, rightGain;
+  } cases[] = {{kTimeDelay, 10, 441, 441, 1, 1},
+               {kStereoHaas, 10, 441, 0, 1, 1},
+               {kStereoHaas, -10, 0, 441, 1, 1},
+               {kPan, 20, 0, 0, 0.1, 1},
+               {kPan, -20, 0, 0, 1, 0.1},
+               {kGain, -20, 0, 0, 0.1, 0.1},
+               {kStereoMidSide, -1, 0, 0, 2, 2},
+               {kMix, 0, 0, 0, 1, 1},
+               {kStereoLeftRightPhase, 1, 0, 0, 1. / 3, 1}};
+  int blockSize = 64;
+  for (const auto& c : cases) {
+    probe.Set(c.id, c.value);
+    probe.SetFormat(++blockSize, 44100);  // so that the setting holds from the first sample on
+    const auto block = static_cast<size_t>(blockSize);
+    std::vector<double> left(20 * block), right(left);
+    left[0] = right[0] = 1.0;
+    for (size_t at = 0; at < left.size(); at += block) probe.Process(left, right, blockSize, at);
+    EXPECT_NEAR(left[block + c.leftDelay], c.leftGain, 1e-6) << c.id << " at " << c.value;
+    EXPECT_NEAR(right[block + c.rightDelay], c.rightGain, 1e-6) << c.id << " at " << c.value;
+    probe.Set(c.id, kParamTable[static_cast<size_t>(c.id)].defaultValue);
+  }
+}
+
 TEST(AudioPath, AConstantSignalMovesWithoutStepsThroughEveryRampedSetting) {
   TolmaraProbe probe(256);
-  probe.EmptyRoom();  // the wet path copies the input, so that only the stereo stages act
+  probe.EmptyRoom();
   probe.Settle();
-  double lastLeft = 0, lastRight = 0;
+  double last = 0;
   const auto largestStep = [&] {
     double largest = 0;
     for (int block = 0; block < 4; ++block) {
       std::vector<double> left(256, 1.0), right(256, 1.0);
       probe.Process(left, right, 256);
-      for (size_t i = 0; i < 256; ++i) {
-        largest =
-            std::max({largest, std::fabs(left[i] - lastLeft), std::fabs(right[i] - lastRight)});
-        lastLeft = left[i];
-        lastRight = right[i];
-      }
+      for (const double x : left)
+        largest = std::max(largest, std::fabs(x - std::exchange(last, x)));
     }
     return largest;
   };
@@ -306,8 +379,8 @@ TEST(AudioPath, AConstantSignalMovesWithoutStepsThroughEveryRampedSetting) {
                                             {kMix, 0.2},
                                             {kPan, 12},
                                             {kStereoMidSide, 0.7},
-                                            {kTimeDelay, 50},
                                             {kMix, 1},
+                                            {kTimeDelay, 50},
                                             {kStereoLeftRightPhase, 1}};
   for (const auto& [id, value] : changes) {
     probe.Set(id, value);
