@@ -1,4 +1,5 @@
 // Bitmaps from files, the caches that editors share, fonts, and the windowless platform's paths.
+#include <fontconfig/fontconfig.h>
 #include <png.h>
 #include <unistd.h>
 
@@ -7,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "graphics/ICircleKnobMultiControlText.h"
 #include "graphics/IControls.h"
 #include "graphics/IFaderMultiControlText.h"
 #include "graphics/ITextControls.h"
@@ -108,6 +110,21 @@ TEST_F(Resources, AMissingPictureLeavesEverythingElseWorking) {
     Settle();
     EXPECT_EQ(graphics->Pixels() == before, value == 0.4);
   }
+}
+
+TEST_F(Resources, AMissingFontLeavesEverythingElseWorking) {
+  FcConfig* const before = FcConfigReference(nullptr);
+  FcConfig* const none = FcConfigCreate();
+  FcConfigSetCurrent(none);
+  IText text(77, kColorWhite);  // of a size that no other case brings into the cache
+  auto* knob = Attach<ICircleKnobMultiControlText>(kLevel, 60, 50, 40, text, kColorRed);
+  Show();
+  EXPECT_GT(graphics->CountOf(kRed), 10);
+  EXPECT_FALSE(knob->Draw(graphics));
+  FcConfigSetCurrent(before);
+  EXPECT_TRUE(knob->Draw(graphics)) << "a failure is not remembered";
+  FcConfigDestroy(none);
+  FcConfigDestroy(before);
 }
 
 TEST_F(Resources, TextIsMeasuredAndDrawnWhereItsAlignmentPutsIt) {
