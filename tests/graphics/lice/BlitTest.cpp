@@ -210,6 +210,7 @@ TEST(RotatedBlit, TurnsClockwiseAboutThePointAndSmoothsTheBorder) {
   LICE_FillRect(&block, 0, 0, 10, 10, 0xFFFFFFFF);
   LICE_RotatedBlit(&soft, &block, 10, 10, 5, 5, 0.3f, 1.0f, kAlpha | LICE_BLIT_FILTER_BILINEAR);
   EXPECT_NEAR(PaintedArea(soft), 100.0, 2.0);
+  EXPECT_GT(PaintedCount(soft), 110) << "pixels of the border are painted in part";
 }
 
 }  // namespace
