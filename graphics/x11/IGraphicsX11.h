@@ -50,9 +50,6 @@ class IGraphicsX11 : public IGraphicsOffscreen {
   IControl* ControlAt(int x, int y) const { return GetControl(GetMouseControlIdx(x, y)); }
   const LICE_IBitmap* GetCanvas() const;
   void ShowFailure();  // of the last OpenURL
-  // Before a window is opened: images go over in requests even if memory could be shared.
-  void ShareMemory(bool share) { mSharesMemory = share; }
-  bool SharesMemory() const { return mSharesMemory; }
 
  private:
   void RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened);
@@ -67,5 +64,4 @@ class IGraphicsX11 : public IGraphicsOffscreen {
   std::atomic<xcb_window_t> mWindow{XCB_NONE};  // the open window
   X11Editor* mEditor = nullptr;                 // the thread's own
   std::string mFailure;                         // message of an OpenURL that failed; the thread's
-  bool mSharesMemory = true;
 };

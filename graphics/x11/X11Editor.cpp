@@ -68,13 +68,13 @@ bool X11Editor::MakeLook(xcb_window_t parent) {
   if (!format) return false;
   const xcb_colormap_t colormap = xcb_generate_id(c);
   xcb_create_colormap(c, XCB_COLORMAP_ALLOC_NONE, colormap, parent, visual);
-  mLook.emplace(X11Look{visual, colormap, *format, mGraphics.SharesMemory()});
+  mLook.emplace(X11Look{visual, colormap, *format});
   return true;
 }
 
 void X11Editor::MakeSurface(int width, int height) {
   mSurface.reset();
-  mSurface.emplace(mConnection, mWindow->Id(), mLook->format, width, height, mLook->shareMemory);
+  mSurface.emplace(mConnection, mWindow->Id(), mLook->format, width, height, true);
   // The canvas still shows what it did when the last window closed; controls that have changed
   // since are drawn with the first frame.
   ShowCanvas({0, 0, width, height});

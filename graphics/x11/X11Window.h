@@ -17,7 +17,6 @@ struct X11Look {
   xcb_visualid_t visual;
   xcb_colormap_t colormap;
   X11PixelFormat format;
-  bool shareMemory;
 };
 
 // A window without background, mapped by whoever made it. A parent that has gone makes one that is

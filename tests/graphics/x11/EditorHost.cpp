@@ -57,24 +57,17 @@ Entries Journal::Take() {
 }
 
 Entries Journal::UpTo(const std::string& entry) {
-  const bool found = Eventually([&] {
-    const std::lock_guard guard(mMutex);
-    return !mEntries.empty() && mEntries.back() == entry;
-  });
-  EXPECT_TRUE(found) << "the last is not " << entry;
-  return Take();
-}
-
-bool Journal::Comes(const std::string& entry) {
+  Entries taken;
   const bool found = Eventually([&] {
     const std::lock_guard guard(mMutex);
     const auto at = std::find(mEntries.begin(), mEntries.end(), entry);
     if (at == mEntries.end()) return false;
+    taken.assign(mEntries.begin(), at + 1);
     mEntries.erase(mEntries.begin(), at + 1);
     return true;
   });
   EXPECT_TRUE(found) << entry << " is not in " << ::testing::PrintToString(Take());
-  return found;
+  return taken;
 }
 
 HostTest::HostTest(int width, int height, const std::string& server)
@@ -163,11 +156,17 @@ std::vector<uint32_t> EditorHostTest::Canvas() {
   }
   IRECT all(0, 0, HostedPlug::kWidth, HostedPlug::kHeight);
   twin.Graphics()->Draw(&all);
-  const LICE_IBitmap& canvas = *twin.Graphics()->GetCanvas();
+  return RgbOf(*twin.Graphics()->GetCanvas());
+}
+
+std::vector<uint32_t> RgbOf(const LICE_IBitmap& bitmap) {
   std::vector<uint32_t> pixels;
-  for (int i = 0; i < all.W() * all.H(); ++i) {
-    const LICE_pixel p = canvas.getBits()[i / all.W() * canvas.getRowSpan() + i % all.W()];
-    pixels.push_back(static_cast<uint32_t>(LICE_GETR(p) << 16 | LICE_GETG(p) << 8 | LICE_GETB(p)));
+  for (int y = 0; y < bitmap.getHeight(); ++y) {
+    const LICE_pixel* row = bitmap.getBits() + ptrdiff_t{y} * bitmap.getRowSpan();
+    for (int x = 0; x < bitmap.getWidth(); ++x) {
+      pixels.push_back(static_cast<uint32_t>(LICE_GETR(row[x]) << 16 | LICE_GETG(row[x]) << 8 |
+                                             LICE_GETB(row[x])));
+    }
   }
   return pixels;
 }

@@ -12,6 +12,9 @@
 #include "iplug/IPlugVST.h"
 #include "tests/graphics/x11/XServer.h"
 
+// As a server of 24 bits counts them: 0xRRGGBB.
+std::vector<uint32_t> RgbOf(const LICE_IBitmap& bitmap);
+
 using Entries = std::vector<std::string>;
 
 // Every thread may note something, and all see it in one order.
@@ -19,10 +22,9 @@ class Journal {
  public:
   void Note(const std::string& entry);
   Entries Take();
-  // Waits until the last entry is this one, and takes all.
+  // Waits for an entry, and takes all up to it; none when it does not come.
   Entries UpTo(const std::string& entry);
-  // Waits for an entry, and takes all up to it.
-  bool Comes(const std::string& entry);
+  bool Comes(const std::string& entry) { return !UpTo(entry).empty(); }
 
  private:
   std::mutex mMutex;
@@ -91,7 +93,7 @@ class EditorHostTest : public HostTest {
   Journal& Notes() { return mPlug->Notes(); }
   double Value(int param) { return mPlug->GetParam(param)->Value(); }
   bool HasChild() { return !mUser.ChildrenOf(Window()).empty(); }  // a field or menu
-  // As the window should show it: 0xRRGGBB from an editor that never had one.
+  // As the window should show it, from an editor that never had one.
   std::vector<uint32_t> Canvas();
   static void ExpectBalancedEdits(const Entries& entries);
 

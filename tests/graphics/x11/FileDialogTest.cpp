@@ -1,13 +1,11 @@
 // Files and pages: what is asked of the desktop, and what becomes of the answer.
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include "graphics/x11/DBusConnection.h"
+#include "graphics/x11/FileDialog.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace fs = std::filesystem;
@@ -49,13 +47,6 @@ class FileDialogTest : public EditorHostTest {
     mDir.Set(dir);
     Graphics().PromptForFile(&path, action, &mDir, extensions);
     return path.Get();
-  }
-  // On the editor's thread.
-  void AskByClick(int action, const char* extensions = "", const char* file = "",
-                  const char* dir = "") {
-    mPlug->onProbe = [=, this] { Notes().Note("got " + Ask(action, extensions, file, dir)); };
-    Point(195, 15);
-    mUser.Click();
   }
 
   std::string mPath, mFolder;
@@ -101,7 +92,9 @@ TEST_F(FileDialogTest, TheEditorGoesOnBehindADialogAndTakesItAlong) {
   // The second one has closed its output and goes on.
   for (const char* body : {"sleep 600", "exec >&-; sleep 600"}) {
     MakeProgram("zenity", body);
-    AskByClick(IGraphics::kFileOpen);
+    mPlug->onProbe = [this] { Notes().Note("got " + Ask(IGraphics::kFileOpen, "")); };
+    Point(195, 15);
+    mUser.Click();
     ASSERT_TRUE(Eventually([&] { return Read("zenity.called") != ""; }));
     Point(HostedPlug::kLevelRect);
     mUser.Click();  // waits for the dialog
@@ -160,13 +153,28 @@ TEST_F(FileDialogTest, APageThatCannotBeOpenedIsReportedOnce) {
   EXPECT_TRUE(Notes().Comes("down 205 15 L"));
 }
 
+DBusMessage Make(DBusMessage::EType type, const char* signature, const DBusWriter& body) {
+  DBusMessage m;
+  m.type = type;
+  m.signature = signature;
+  m.body = {body.Bytes().begin(), body.Bytes().end()};
+  return m;
+}
+
+DBusReader ReadAll(const DBusMessage& message) {
+  DBusReader r(message.body);
+  std::string_view types = message.signature;
+  while (r.IsGood() && !types.empty()) r.Skip(types);
+  return r;
+}
+
 constexpr const char* kBus =
     "dbus-daemon --session --nofork --print-address=1 --address=unix:tmpdir=/tmp";
 
 // The desktop's portal, on a bus of its own: takes one question and gives one answer.
 class FakePortal {
  public:
-  explicit FakePortal(const std::string& uri) : mBusProgram(kBus) {
+  FakePortal() : mBusProgram(kBus) {
     setenv("DBUS_SESSION_BUS_ADDRESS", mBusProgram.FirstLine().c_str(), 1);
     mBus = DBusConnection::Open();
     DBusWriter name;
@@ -177,57 +185,32 @@ class FakePortal {
     request.path = "/org/freedesktop/DBus";
     request.member = "RequestName";
     mBus->Send(request);
-    mThread = std::thread([this, uri] { Serve(uri); });
   }
-  ~FakePortal() {
-    mEnd = true;
-    if (mThread.joinable()) mThread.join();
+  // The path that comes of an answer with this one.
+  std::string Ask(const FileQuestion& question, const std::string& uri) {
+    mQuestion = {};
+    return AskForFile(question, [&](int) { return !mQuestion.path.empty() || Answer(uri); });
   }
-  // After the answer: what was asked.
-  const DBusMessage& Question() {
-    mThread.join();
-    return mQuestion;
-  }
+  const DBusMessage& Question() const { return mQuestion; }
 
  private:
-  static DBusMessage Make(DBusMessage::EType type, const char* signature, const DBusWriter& body) {
-    DBusMessage m;
-    m.type = type;
-    m.signature = signature;
-    m.body = {body.Bytes().begin(), body.Bytes().end()};
-    return m;
-  }
-  void Serve(const std::string& uri) {
-    while (!mEnd) {
-      pollfd fd{mBus->Fd(), POLLIN, 0};
-      if (poll(&fd, 1, 20) > 0 && !mBus->Receive()) return;
-      while (const auto message = mBus->Next()) {
-        if (message->type != DBusMessage::kCall || message->path.empty()) continue;
-        mQuestion = *message;
-        return Answer(*message, uri);
-      }
-    }
-  }
-  void Answer(const DBusMessage& call, const std::string& uri) {
+  bool Answer(const std::string& uri) {
+    if (!Eventually([this] { return mBus->Receive() && TakeQuestion(); })) return false;
     const char* handle = "/org/freedesktop/portal/desktop/request/elsewhere";
     DBusWriter path;
     path.String(handle);
     DBusMessage reply = Make(DBusMessage::kReturn, "o", path);
-    reply.replySerial = call.serial;
-    reply.destination = call.sender;
+    reply.replySerial = mQuestion.serial;
+    reply.destination = mQuestion.sender;
     mBus->Send(reply);
 
     DBusWriter w;
     w.U32(uri.empty() ? 1 : 0);
     const size_t results = w.OpenArray(8);
     w.Align(8);
-    w.String("choices");  // something that has to be skipped
-    w.Signature("a(ss)");
-    const size_t choices = w.OpenArray(8);
-    w.Align(8);
-    w.String("encoding");
-    w.String("utf8");
-    w.CloseArray(choices);
+    w.String("writable");  // something that has to be skipped
+    w.Signature("b");
+    w.Bool(true);
     w.Align(8);
     w.String("uris");
     w.Signature("as");
@@ -239,58 +222,44 @@ class FakePortal {
     signal.path = handle;
     signal.interface = "org.freedesktop.portal.Request";
     signal.member = "Response";
-    signal.destination = call.sender;
-    mBus->Send(signal);
+    signal.destination = mQuestion.sender;
+    return mBus->Send(signal) != 0;
+  }
+  bool TakeQuestion() {
+    while (auto message = mBus->Next()) {
+      if (message->member == "SaveFile" || message->member == "OpenFile") mQuestion = *message;
+    }
+    return !mQuestion.path.empty();
   }
 
   TestProgram mBusProgram;
   std::unique_ptr<DBusConnection> mBus;
-  std::atomic<bool> mEnd{false};
   DBusMessage mQuestion;
-  std::thread mThread;
 };
 
 TEST_F(FileDialogTest, ThePortalComesFirst) {
   MakeProgram("zenity", "echo /wrong");
-  FakePortal portal("file:///tmp/a%20b/%E2%82%AC.fxp");
-  AskByClick(IGraphics::kFileSave, "fxp fxb", "mine.fxp", "/music/");
-  ASSERT_TRUE(Notes().Comes("got /tmp/a b/\xE2\x82\xAC.fxp"));
-  EXPECT_STREQ(mDir.Get(), "/tmp/a b/");
-  EXPECT_EQ(Read("zenity.called"), "");
-
-  const DBusMessage& question = portal.Question();
-  EXPECT_EQ(question.interface, "org.freedesktop.portal.FileChooser");
-  EXPECT_EQ(question.member, "SaveFile");
-  EXPECT_EQ(question.signature, "ssa{sv}");
-  DBusReader r(question.body);
-  char owner[32];
-  std::snprintf(owner, sizeof owner, "x11:%x", mParent);
-  EXPECT_EQ(r.String(), owner);
-  EXPECT_EQ(r.String(), "Save As");
-  Entries options;
-  const size_t end = r.Array(8);
-  while (!r.AtEnd(end)) {
-    r.Align(8);
-    options.push_back(r.String());
-    const std::string type = r.Signature();
-    std::string_view types = type;
-    if (options.back() == "current_name") {
-      EXPECT_EQ(r.String(), "mine.fxp");
-    } else {
-      r.Skip(types);
-    }
+  FakePortal portal;
+  const FileQuestion question{true, "/music/", "mine.fxp", {"fxp", "fxb"}, 0xABC};
+  EXPECT_EQ(portal.Ask(question, "file:///tmp/a%20b/%E2%82%AC.fxp"), "/tmp/a b/\xE2\x82\xAC.fxp");
+  EXPECT_EQ(portal.Question().interface, "org.freedesktop.portal.FileChooser");
+  EXPECT_EQ(portal.Question().member, "SaveFile");
+  EXPECT_EQ(portal.Question().signature, "ssa{sv}");
+  const std::string& body = portal.Question().body;
+  for (const char* text : {"x11:abc", "Save As", "*.fxb", "/music/", "mine.fxp"}) {
+    EXPECT_NE(body.find(text), std::string::npos) << text;
   }
-  EXPECT_TRUE(r.IsGood());
-  EXPECT_EQ(options, (Entries{"handle_token", "filters", "current_folder", "current_name"}));
+  EXPECT_EQ(ReadAll(portal.Question()).At(), body.size());
+  // Dismissed, and no file of this machine.
+  for (const char* uri : {"", "https://a/b", "file:nothing"}) {
+    EXPECT_EQ(portal.Ask({}, uri), "") << uri;
+  }
+  EXPECT_EQ(portal.Question().member, "OpenFile");
 }
 
-TEST_F(FileDialogTest, ADismissedPortalIsAnAnswerAndAMissingOneIsNot) {
+TEST_F(FileDialogTest, ABusWithoutAPortalIsNoAnswer) {
   MakeProgram("zenity", "echo /tmp/other");
-  for (const char* uri : {"", "https://a/b", "file:nothing"}) {
-    const FakePortal portal(uri);
-    EXPECT_EQ(Ask(IGraphics::kFileOpen, ""), "") << uri;
-  }
-  const TestProgram bus(kBus);  // that nobody with that name is on
+  const TestProgram bus(kBus);
   setenv("DBUS_SESSION_BUS_ADDRESS", bus.FirstLine().c_str(), 1);
   EXPECT_EQ(Ask(IGraphics::kFileOpen, ""), "/tmp/other");
 }
@@ -309,21 +278,12 @@ TEST(DBusMessage, ReadsNothingBeyondItsBytes) {
   w.String("text");
   w.CloseArray(texts);
   w.CloseArray(array);
-  DBusMessage message;
-  message.type = DBusMessage::kSignal;
+  DBusMessage message = Make(DBusMessage::kSignal, "ua{sv}", w);
   message.path = "/a/b";
   message.member = "Z";
-  message.signature = "ua{sv}";
-  message.body = {w.Bytes().begin(), w.Bytes().end()};
   const auto bytes = message.Bytes();
   const std::string whole(bytes.begin(), bytes.end());
 
-  const auto readAll = [](const DBusMessage& m) {
-    DBusReader r(m.body);
-    std::string_view types = m.signature;
-    while (r.IsGood() && !types.empty()) r.Skip(types);
-    return r;
-  };
   bool broken = false;
   std::string input = whole + "l";
   const auto taken = DBusMessage::TakeFrom(input, broken);
@@ -331,16 +291,14 @@ TEST(DBusMessage, ReadsNothingBeyondItsBytes) {
   EXPECT_EQ(input, "l");
   EXPECT_EQ(taken->member, "Z");
   EXPECT_EQ(taken->body, message.body);
-  const DBusReader reader = readAll(*taken);
-  EXPECT_TRUE(reader.IsGood());
-  EXPECT_EQ(reader.At(), message.body.size());
+  EXPECT_TRUE(ReadAll(*taken).IsGood());
   for (size_t i = 0; i < whole.size(); ++i) {
     input = whole.substr(0, i);
     EXPECT_FALSE(DBusMessage::TakeFrom(input, broken)) << i;
     // Every byte wrong in turn: anything may come out, if only it comes out.
     input = whole;
     input[i] = static_cast<char>(~input[i]);
-    if (const auto odd = DBusMessage::TakeFrom(input, broken)) readAll(*odd);
+    if (const auto odd = DBusMessage::TakeFrom(input, broken)) ReadAll(*odd);
   }
 }
 

@@ -58,12 +58,10 @@ XServer::~XServer() { unsetenv("DISPLAY"); }
 
 XUser::XUser() : mConnection(-1) { EXPECT_TRUE(mConnection.IsOpen()); }
 
-xcb_window_t XUser::MakeWindow(const IRECT& place, uint32_t events) {
-  return MakeWindow(place, Screen().root_depth, Screen().root_visual, events);
-}
-
-xcb_window_t XUser::MakeWindow(const IRECT& place, int depth, xcb_visualid_t visual,
-                               uint32_t events) {
+xcb_window_t XUser::MakeWindow(const IRECT& place, uint32_t events, int depth,
+                               xcb_visualid_t visual) {
+  if (!depth) depth = Screen().root_depth;
+  if (!visual) visual = Screen().root_visual;
   const xcb_colormap_t colormap = xcb_generate_id(Get());
   xcb_create_colormap(Get(), XCB_COLORMAP_ALLOC_NONE, colormap, Screen().root, visual);
   const xcb_window_t window = xcb_generate_id(Get());

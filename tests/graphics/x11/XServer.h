@@ -64,9 +64,9 @@ class XUser {
   }
   void Sync() { Focus(); }  // waits until the server has done all that was asked
 
-  // A mapped window below the root that keeps its place; of a visual of 24 or 32 bits.
-  xcb_window_t MakeWindow(const IRECT& place, uint32_t events = 0);
-  xcb_window_t MakeWindow(const IRECT& place, int depth, xcb_visualid_t visual, uint32_t events);
+  // A mapped window below the root that keeps its place; of the root's depth and visual or others.
+  xcb_window_t MakeWindow(const IRECT& place, uint32_t events = 0, int depth = 0,
+                          xcb_visualid_t visual = XCB_NONE);
   void Destroy(xcb_window_t window);
   std::vector<xcb_window_t> ChildrenOf(xcb_window_t window);
   IRECT Place(xcb_window_t window);  // in its parent; empty when it has gone
