@@ -10,13 +10,6 @@
 #include "graphics/PlatformGraphics.h"
 #include "plugin/Tolmara.h"
 
-#ifndef TOLMARA_SITE_URL
-#define TOLMARA_SITE_URL "https://www.example.com"
-#endif
-#ifndef TOLMARA_FORUM_URL
-#define TOLMARA_FORUM_URL "https://forum.example.com"
-#endif
-
 namespace {
 
 constexpr int kEditorWidth = 960;
