@@ -35,7 +35,7 @@ TEST(AllocationGuard, SeesEveryRoadToTheHeap) {
   EXPECT_EQ(counts_of([] { free(kept(aligned_alloc(64, 128))); }), Counts(1, 1));
   EXPECT_EQ(counts_of([] { const AlignedVector<float> buffer(100); }), Counts(1, 1));
   EXPECT_EQ(counts_of([] { delete kept(new std::string(1000, 'x')); }), Counts(2, 2));
-  EXPECT_GE(counts_of([] { free(realloc(kept(malloc(8)), 100000)); }).first, 2);
+  EXPECT_GE(counts_of([] { free(kept(realloc(kept(malloc(8)), 100000))); }).first, 2);
 }
 
 TEST(AllocationGuard, CountsOnlyItsOwnThread) {

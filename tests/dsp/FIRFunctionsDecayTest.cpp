@@ -40,7 +40,7 @@ TEST(Decay, FiltersEachPositionOnceMoreThanTheOneBeforeInEveryForm) {
       // Raising a spectrum to half the length magnifies its rounding by that factor.
       const double limit = 2e-6 + 6e-8 * static_cast<double>(n);
       const bool power_of_two = (n & (n - 1)) == 0;
-      const auto run = [&](auto form, bool whole) {
+      const auto run = [&, a = a, b = b](auto form, bool whole) {
         Samples y(3, 7.0f);
         form(x, a, b, y);
         EXPECT_EQ(y.size(), 2 * n);
