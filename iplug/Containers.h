@@ -68,7 +68,6 @@ class PointerList {
   void Empty(bool destroy = false);
 
   T* Get(int idx) const { return idx >= 0 && idx < GetSize() ? Entries()[idx] : nullptr; }
-  int Find(const T* item) const;  // -1 if absent
   int GetSize() const { return mBuf.GetSize() / static_cast<int>(sizeof(T*)); }
 
   T** begin() const { return Entries(); }
@@ -121,12 +120,4 @@ void PointerList<T>::Delete(int idx, bool destroy) {
 template <typename T>
 void PointerList<T>::Empty(bool destroy) {
   for (int i = GetSize() - 1; i >= 0; --i) Delete(i, destroy);
-}
-
-template <typename T>
-int PointerList<T>::Find(const T* item) const {
-  for (int i = 0; i < GetSize(); ++i) {
-    if (Entries()[i] == item) return i;
-  }
-  return -1;
 }

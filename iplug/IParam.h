@@ -64,10 +64,8 @@ class IParam {
   double DBToAmp() const;
   EParamType Type() const { return mType; }
   double GetDefault() const { return mDefault; }
-  double GetStep() const { return mStep; }
   int GetPrecision() const { return mDisplayPrecision; }
   bool GetNegateDisplay() const { return mNegateDisplay; }
-  bool GetCanAutomate() const { return mCanAutomate; }
 
  private:
   struct DisplayText {

@@ -107,6 +107,7 @@ class IPlugBase {
   void SetHost(const char* productString, std::uint32_t version);
 
   // Timing.
+  // As the host told it, whatever that is: 0 and numbers of no sense stand for none.
   void SetSampleRate(double sampleRate) { mSampleRate = sampleRate; }
   double GetSampleRate() const { return mSampleRate; }
   int GetBlockSize() const { return mBlockSize; }

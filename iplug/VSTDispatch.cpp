@@ -12,8 +12,7 @@ namespace {
 
 constexpr std::int32_t kLastOpcode = effGetSpeakerArrangement;
 
-// Announcements beyond these are not taken: the old format stays.
-constexpr double kLargestRate = 768000.0;     // Hz
+// Announcements beyond this are not taken: the old size stays.
 constexpr VstIntPtr kLargestBlock = 1 << 20;  // samples
 
 struct Row {
@@ -100,15 +99,14 @@ VstIntPtr VSTDispatch::Open(IPlugVST& plug, const VSTCall&) {
 }
 
 VstIntPtr VSTDispatch::SetSampleRate(IPlugVST& plug, const VSTCall& call) {
-  const double rate = static_cast<double>(call.opt);
-  if (rate > 0.0 && rate <= kLargestRate) plug.IPlugBase::SetSampleRate(rate);
+  plug.SetSampleRate(static_cast<double>(call.opt));
   plug.Reset();
   return 0;
 }
 
 VstIntPtr VSTDispatch::SetBlockSize(IPlugVST& plug, const VSTCall& call) {
   if (call.value > 0 && call.value <= kLargestBlock) {
-    plug.IPlugBase::SetBlockSize(static_cast<int>(call.value));
+    plug.SetBlockSize(static_cast<int>(call.value));
   }
   plug.Reset();
   return 0;

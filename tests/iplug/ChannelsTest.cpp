@@ -9,86 +9,69 @@
 
 namespace {
 
-PlugOptions WithIO(const char* io) {
-  PlugOptions options;
-  options.channelIO = io;
-  return options;
-}
-
 TEST(Channels, CountsAndLegalPairsComeFromTheString) {
-  struct Case {
+  const struct {
     const char* io;
     int in, out;
     bool monoIn;
-  };
-  for (const Case& c :
-       {Case{"2-2", 2, 2, false}, Case{"1-1 1-2 2-2", 2, 2, true}, Case{"0-2", 0, 2, false},
-        Case{"1-4 6-2", 6, 4, true}, Case{nullptr, 0, 0, false}, Case{"", 0, 0, false}}) {
-    const Rig rig(WithIO(c.io));
+  } kCases[] = {{"2-2", 2, 2, false},    {"1-1 1-2 2-2", 2, 2, true}, {"0-2", 0, 2, false},
+                {"1-4 6-2", 6, 4, true}, {nullptr, 0, 0, false},      {"", 0, 0, false},
+                {"2-2 x 3", 3, 2, false}};
+  for (const auto& c : kCases) {
+    const Rig rig({.channelIO = c.io});
     EXPECT_EQ(rig.effect->numInputs, c.in) << c.io;
     EXPECT_EQ(rig.effect->numOutputs, c.out) << c.io;
     EXPECT_EQ(rig.plug->LegalIO(1, -1), c.monoIn) << c.io;
     EXPECT_EQ((rig.effect->flags & effFlagsCanMono) != 0, c.monoIn) << c.io;
   }
-  const Rig rig(WithIO("1-1 2-2"));
-  EXPECT_TRUE(rig.plug->LegalIO(2, 2));
-  EXPECT_FALSE(rig.plug->LegalIO(1, 2));
-  EXPECT_TRUE(rig.plug->LegalIO(-1, 1));
-  EXPECT_FALSE(rig.plug->LegalIO(-1, 3));
-  EXPECT_TRUE(rig.plug->LegalIO(-1, -1));
-  EXPECT_FALSE(Rig(WithIO(nullptr)).plug->LegalIO(-1, -1)) << "an empty list is never legal";
+  const Rig rig({.channelIO = "1-1 2-2 x 3"});
+  for (const auto& [in, out] : {std::pair{2, 2}, {-1, 1}, {-1, -1}, {0, 0}, {3, 0}})
+    EXPECT_TRUE(rig.plug->LegalIO(in, out)) << in << "-" << out;
+  for (const auto& [in, out] : {std::pair{1, 2}, {-1, 3}, {4, -1}})
+    EXPECT_FALSE(rig.plug->LegalIO(in, out)) << in << "-" << out;
+  EXPECT_FALSE(Rig({.channelIO = nullptr}).plug->LegalIO(-1, -1)) << "an empty list is never legal";
 }
 
-TEST(Channels, APairThatDoesNotParseCountsAsZeros) {
-  const Rig rig(WithIO("2-2 x 3"));
-  EXPECT_TRUE(rig.plug->LegalIO(0, 0));
-  EXPECT_TRUE(rig.plug->LegalIO(3, 0)) << "what was read is kept";
-  EXPECT_EQ(rig.effect->numInputs, 3);
-}
-
-TEST(Channels, ConnectionsAreClampedToTheChannels) {
+TEST(Channels, ConnectionsAndLabelsAreClampedToTheChannels) {
   Rig rig;
-  rig.plug->SetInputChannelConnections(1, INT_MAX, false);
-  EXPECT_TRUE(rig.plug->IsInChannelConnected(0));
-  EXPECT_FALSE(rig.plug->IsInChannelConnected(1));
-  EXPECT_FALSE(rig.plug->IsInChannelConnected(-1));
-  EXPECT_FALSE(rig.plug->IsOutChannelConnected(2));
-  rig.plug->SetOutputChannelConnections(-5, 6, false);
-  EXPECT_FALSE(rig.plug->IsOutChannelConnected(0));
-  EXPECT_TRUE(rig.plug->IsOutChannelConnected(1));
-}
-
-TEST(Channels, InputBusesAreTwoAndOutputBusesAreNot) {
-  Rig rig;
+  TestPlug& plug = *rig.plug;
+  plug.SetInputChannelConnections(1, INT_MAX, false);
+  plug.SetOutputChannelConnections(-5, 6, false);
+  EXPECT_TRUE(plug.IsInChannelConnected(0));
+  EXPECT_FALSE(plug.IsInChannelConnected(1));
+  EXPECT_FALSE(plug.IsOutChannelConnected(0));
+  EXPECT_TRUE(plug.IsOutChannelConnected(1));
+  EXPECT_FALSE(plug.IsInChannelConnected(-1));
+  EXPECT_FALSE(plug.IsOutChannelConnected(2));
   for (const int idx : {2, 0, 1, -1}) {
-    rig.plug->SetInputBusLabel(idx, std::to_string(idx).c_str());
-    rig.plug->SetOutputBusLabel(idx, std::to_string(idx).c_str());
+    plug.SetInputBusLabel(idx, std::to_string(idx).c_str());
+    plug.SetOutputBusLabel(idx, std::to_string(idx).c_str());
   }
-  EXPECT_STREQ(rig.plug->GetInputBusLabel(0), "0");
-  EXPECT_STREQ(rig.plug->GetInputBusLabel(1), "1");
-  EXPECT_STREQ(rig.plug->GetOutputBusLabel(0), "0") << "replaces the 2 that came first";
-  EXPECT_STREQ(rig.plug->GetOutputBusLabel(1), "1");
-  EXPECT_STREQ(rig.plug->GetInputBusLabel(2), "");
+  EXPECT_STREQ(plug.GetInputBusLabel(0), "0");
+  EXPECT_STREQ(plug.GetInputBusLabel(1), "1");
+  EXPECT_STREQ(plug.GetInputBusLabel(2), "") << "input buses are two at most";
+  EXPECT_STREQ(plug.GetOutputBusLabel(0), "0") << "replaces the 2 that came first";
+  EXPECT_STREQ(plug.GetOutputBusLabel(1), "1");
 }
 
 // Blocks of n samples for a stereo plug-in; each sample tells channel and place.
 template <typename T>
 struct Blocks {
-  explicit Blocks(int n) : size(static_cast<std::size_t>(n)) {
+  explicit Blocks(std::size_t n) : silence(n, T{0}), before(n, T{0.5}) {
     for (std::size_t c = 0; c < 2; ++c) {
-      for (std::size_t i = 0; i < size; ++i) in[c].push_back(static_cast<T>(100 * (c + 1) + i));
-      out[c].assign(size, T{0.5});
+      for (std::size_t i = 0; i < n; ++i) in[c].push_back(static_cast<T>(100 * (c + 1) + i));
+      out[c] = before;
       inputs[c] = in[c].data();
       outputs[c] = out[c].data();
     }
   }
-  std::size_t size;
+  std::vector<T> silence, before;
   std::vector<T> in[2], out[2];
   T* inputs[2];
   T* outputs[2];
 };
 
-// The three entries alike, for the tests below.
+// The two replacing entries alike.
 void RunBlock(AEffect* effect, Blocks<double>& b, int n) {
   effect->processDoubleReplacing(effect, b.inputs, b.outputs, n);
 }
@@ -97,109 +80,82 @@ void RunBlock(AEffect* effect, Blocks<float>& b, int n) {
 }
 
 template <typename T>
-class ProcessEntries : public testing::Test {};
+class ProcessEntries : public testing::Test {
+ protected:
+  Rig mRig;
+  Blocks<T> mBlocks{8};
+};
 using Samples = testing::Types<float, double>;
 TYPED_TEST_SUITE(ProcessEntries, Samples);
 
-TYPED_TEST(ProcessEntries, LongBlocksRunInPiecesOfAtMostTheAnnouncedSize) {
-  Rig rig;
+TYPED_TEST(ProcessEntries, LongBlocksRunInPiecesUnderOneLockWithoutTouchingTheHeap) {
+  Rig& rig = this->mRig;
   rig.Dispatch(effSetBlockSize, 0, 64);
-  std::vector<int> pieces;
+  int pieces[4] = {};
+  int count = 0;
   rig.plug->process = [&](double** in, double** out, int n) {
-    EXPECT_TRUE(rig.plug->GetLock().IsMine());
-    pieces.push_back(n);
+    pieces[count++] = rig.plug->GetLock().IsMine() ? n : -n;
     for (int c = 0; c < 2; ++c) {
-      for (int i = 0; i < n; ++i) out[c][i] = 2.0 * in[c][i];
+      for (int i = 0; i < n; ++i) out[c][i] = in[c][i];
     }
   };
   Blocks<TypeParam> b(150);
-  RunBlock(rig.effect, b, 150);
-  EXPECT_EQ(pieces, (std::vector<int>{64, 64, 22}));
-  for (std::size_t c = 0; c < 2; ++c) {
-    for (std::size_t i = 0; i < b.size; ++i)
-      ASSERT_EQ(b.out[c][i], 2 * b.in[c][i]) << c << " " << i;
-  }
-}
-
-TYPED_TEST(ProcessEntries, NothingToDoTouchesNothing) {
-  Rig rig;
-  rig.plug->process = [](double**, double**, int) { FAIL(); };
-  Blocks<TypeParam> b(8);
-  for (const int n : {0, -1, INT_MIN}) RunBlock(rig.effect, b, n);
-  EXPECT_EQ(b.out[0][0], TypeParam{0.5});
-}
-
-TYPED_TEST(ProcessEntries, NullBuffersAreSilenceAndNowhere) {
-  Rig rig;
-  Blocks<TypeParam> b(8);
-  b.inputs[0] = nullptr;
-  b.outputs[1] = nullptr;
-  RunBlock(rig.effect, b, 8);
-  EXPECT_EQ(b.out[0], std::vector<TypeParam>(8, TypeParam{0}));
-  EXPECT_EQ(b.out[1], std::vector<TypeParam>(8, TypeParam{0.5}));
-}
-
-TYPED_TEST(ProcessEntries, InputAndOutputMayBeTheSameBuffers) {
-  Rig rig;
-  Blocks<TypeParam> b(8);
-  const auto expected = b.in[1];
-  b.outputs[0] = b.inputs[0];
-  b.outputs[1] = b.inputs[1];
-  RunBlock(rig.effect, b, 8);
-  EXPECT_EQ(b.in[1], expected);
-}
-
-TYPED_TEST(ProcessEntries, ADisconnectedInputIsSilentAndTakesNoHostPointer) {
-  Rig rig;
-  Blocks<TypeParam> b(8);
-  RunBlock(rig.effect, b, 8);  // leaves its sound in the buffers
-  rig.plug->SetInputChannelConnections(0, 1, false);
-  RunBlock(rig.effect, b, 8);
-  EXPECT_EQ(b.out[0], std::vector<TypeParam>(8, TypeParam{0}));
-  EXPECT_EQ(b.out[1], b.in[0]) << "the first pointer goes to the first connected channel";
-  rig.Dispatch(effSetBlockSize, 0, 4);  // moves the buffer that the channel reads
-  RunBlock(rig.effect, b, 8);
-  EXPECT_EQ(b.out[0], std::vector<TypeParam>(8, TypeParam{0}));
-}
-
-TYPED_TEST(ProcessEntries, ADisconnectedOutputIsNotWritten) {
-  Rig rig;
-  Blocks<TypeParam> b(8);
-  rig.plug->SetOutputChannelConnections(0, 1, false);
-  RunBlock(rig.effect, b, 8);
-  EXPECT_EQ(b.out[0], b.in[1]) << "its pointer is the first that the host gives";
-  EXPECT_EQ(b.out[1], std::vector<TypeParam>(8, TypeParam{0.5}));
-}
-
-TYPED_TEST(ProcessEntries, ABlockNeitherAllocatesNorFrees) {
-  Rig rig;
-  Blocks<TypeParam> b(300);
-  rig.Dispatch(effSetBlockSize, 0, 64);
   const AllocationGuard guard;
   const LockCount locks;
-  RunBlock(rig.effect, b, 300);
+  RunBlock(rig.effect, b, 150);
   EXPECT_EQ(guard.allocations(), 0);
   EXPECT_EQ(guard.frees(), 0);
   EXPECT_EQ(locks.locks(), 1);
+  EXPECT_EQ(std::vector<int>(pieces, pieces + 4), (std::vector<int>{64, 64, 22, 0}));
+  EXPECT_EQ(b.out[0], b.in[0]);
+  EXPECT_EQ(b.out[1], b.in[1]);
 }
 
-TEST(AudioCalls, TheOldEntryAddsToTheOutput) {
-  Rig rig;
-  Blocks<float> b(8);
-  rig.effect->process(rig.effect, b.inputs, b.outputs, 8);
-  EXPECT_EQ(b.out[1][3], 0.5F + 203.0F);
+TYPED_TEST(ProcessEntries, NothingToDoTouchesNothing) {
+  this->mRig.plug->process = [](double**, double**, int) { FAIL(); };
+  for (const int n : {0, -1, INT_MIN}) RunBlock(this->mRig.effect, this->mBlocks, n);
+  EXPECT_EQ(this->mBlocks.out[0], this->mBlocks.before);
+}
+
+TYPED_TEST(ProcessEntries, NullBuffersAreSilenceAndNowhere) {
+  Blocks<TypeParam>& b = this->mBlocks;
+  b.inputs[0] = nullptr;
+  b.outputs[1] = nullptr;
+  RunBlock(this->mRig.effect, b, 8);
+  EXPECT_EQ(b.out[0], b.silence);
+  EXPECT_EQ(b.out[1], b.before);
+}
+
+TYPED_TEST(ProcessEntries, ADisconnectedInputIsSilentAndTakesNoHostPointer) {
+  Blocks<TypeParam>& b = this->mBlocks;
+  RunBlock(this->mRig.effect, b, 8);  // leaves its sound in the buffers
+  this->mRig.plug->SetInputChannelConnections(0, 1, false);
+  for (const int blockSize : {1024, 4}) {  // the second moves the buffer that the channel reads
+    this->mRig.Dispatch(effSetBlockSize, 0, blockSize);
+    RunBlock(this->mRig.effect, b, 8);
+    EXPECT_EQ(b.out[0], b.silence);
+    EXPECT_EQ(b.out[1], b.in[0]) << "the first pointer goes to the first connected channel";
+  }
+}
+
+TYPED_TEST(ProcessEntries, ADisconnectedOutputIsNotWritten) {
+  Blocks<TypeParam>& b = this->mBlocks;
+  this->mRig.plug->SetOutputChannelConnections(0, 1, false);
+  RunBlock(this->mRig.effect, b, 8);
+  EXPECT_EQ(b.out[0], b.in[1]) << "its pointer is the first that the host gives";
+  EXPECT_EQ(b.out[1], b.before);
 }
 
 TEST(AudioCalls, OutputsBeyondTheInputsAreSilent) {
-  Rig rig(WithIO("1-2"));
+  Rig rig({.channelIO = "1-2"});
   Blocks<double> b(4);
   RunBlock(rig.effect, b, 4);
   EXPECT_EQ(b.out[0], b.in[0]);
-  EXPECT_EQ(b.out[1], std::vector<double>(4, 0.0));
+  EXPECT_EQ(b.out[1], b.silence);
   Blocks<float> f(4);
   rig.plug->ProcessSingleReplacing(f.inputs, f.outputs, 4);
   EXPECT_EQ(f.out[0], f.in[0]);
-  EXPECT_EQ(f.out[1], std::vector<float>(4, 0.0F));
+  EXPECT_EQ(f.out[1], f.silence);
 }
 
 TEST(AudioCalls, MissingPointersAreSurvived) {
@@ -208,26 +164,21 @@ TEST(AudioCalls, MissingPointersAreSurvived) {
   rig.effect->processReplacing(rig.effect, nullptr, b.outputs, 4);
   rig.effect->processReplacing(rig.effect, b.inputs, nullptr, 4);
   rig.effect->processReplacing(nullptr, b.inputs, b.outputs, 4);
-  EXPECT_EQ(b.out[0][0], 0.5F);
+  EXPECT_EQ(b.out[0], b.before);
 }
 
 TEST(AudioCalls, MidiIsAskedForOnceABlock) {
-  PlugOptions options;
-  options.midi = true;
-  Rig rig(options);
-  Blocks<float> b(3000);
-  rig.effect->processReplacing(rig.effect, b.inputs, b.outputs, 3000);
-  rig.effect->processReplacing(rig.effect, b.inputs, b.outputs, 0);
-  EXPECT_EQ(rig.host.Count(audioMasterWantMidi), 1);
-  Rig without;
-  without.effect->processReplacing(without.effect, b.inputs, b.outputs, 10);
-  EXPECT_EQ(without.host.Count(audioMasterWantMidi), 0);
+  for (const bool midi : {true, false}) {
+    Rig rig({.midi = midi});
+    Blocks<float> b(3000);
+    RunBlock(rig.effect, b, 3000);
+    RunBlock(rig.effect, b, 0);
+    EXPECT_EQ(rig.host.calls.size(), midi ? 1U : 0U);
+  }
 }
 
 TEST(AudioCalls, PassThroughUsesTheDelayLineWhenThereIsLatency) {
-  PlugOptions options;
-  options.latency = 2;
-  Rig rig(options);
+  Rig rig({.latency = 2});
   rig.plug->mDelay = std::make_unique<NChanDelay>(2, 2);
   rig.plug->SetLatency(3);
   EXPECT_EQ(rig.effect->initialDelay, 3);
@@ -238,7 +189,6 @@ TEST(AudioCalls, PassThroughUsesTheDelayLineWhenThereIsLatency) {
   EXPECT_EQ(b.out[0], (std::vector<double>{0, 0, 0, 100, 101}));
   rig.plug->PassThroughBuffers(0.0, 4);
   EXPECT_EQ(b.out[1], (std::vector<double>{202, 203, 204, 200, 201}));
-  rig.plug->ZeroScratchBuffers();
 }
 
 }  // namespace

@@ -2,10 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include "iplug/Base64.h"
+#include "iplug/FileBytes.h"
 #include "tests/iplug/TestPlug.h"
 
 namespace {
@@ -18,10 +17,9 @@ std::vector<double> Stored(Rig& rig, int idx) {
 }
 
 std::string ReadText(const std::string& path) {
-  std::ifstream file(path);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
+  std::vector<std::uint8_t> bytes;
+  EXPECT_TRUE(ReadFileBytes(path.c_str(), &bytes));
+  return {bytes.begin(), bytes.end()};
 }
 
 TEST(Presets, MakingFillsTheFirstFreeSlotWithRawValues) {
@@ -31,14 +29,11 @@ TEST(Presets, MakingFillsTheFirstFreeSlotWithRawValues) {
   EXPECT_EQ(Stored(rig, 0), (std::vector<double>{99.5, -7, 1, 2, 50, -3}));
   rig.plug->MakePresetFromNamedParams("named", 2, int{kTapered}, 12.5, int{kCount}, -1);
   EXPECT_EQ(Stored(rig, 1), (std::vector<double>{2.5, -1, 1, 1, 12.5, -3}));
-  rig.plug->MakeDefaultPreset(nullptr, 1);
-  EXPECT_STREQ(rig.plug->GetPresetName(2), "Empty");
-  const double values[] = {1, 2, 0, 1, 4, -1};
-  rig.plug->MakePresetFromValues("array", values);
-  EXPECT_EQ(Stored(rig, 3), std::vector<double>(values, values + 6));
+  rig.plug->PruneUninitializedPresets();
+  EXPECT_EQ(rig.plug->NPresets(), 2);
   rig.plug->MakePreset("one too many", 1.0, 1, 1, 1, 1.0, -1.0);
   rig.plug->MakeDefaultPreset("and more", 3);
-  EXPECT_STREQ(rig.plug->GetPresetName(3), "array");
+  EXPECT_STREQ(rig.plug->GetPresetName(1), "named");
 }
 
 TEST(Presets, SlotsNeverFilledCaptureTheSoundUnderAFreshName) {
@@ -54,75 +49,48 @@ TEST(Presets, SlotsNeverFilledCaptureTheSoundUnderAFreshName) {
   EXPECT_TRUE(rig.plug->RestorePreset(0));
   EXPECT_STREQ(rig.plug->GetPresetName(0), "user preset 3") << "names that contain it count";
   EXPECT_TRUE(rig.plug->RestorePreset(2));
-  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.5);
+  EXPECT_EQ(rig.plug->Value(kLevel), 2.5);
+  rig.plug->MakeDefaultPreset(nullptr, 1);
+  EXPECT_STREQ(rig.plug->GetPresetName(3), "Empty");
 }
 
-TEST(Presets, RestoringWhatIsNotThereChangesNothing) {
+TEST(Presets, RestoringTakesTheFirstOfTheNameAndChangesNothingWhereThereIsNone) {
   Rig rig;
-  rig.plug->MakeEmptyPresets();
-  rig.plug->TakeLog();
+  for (const auto& [name, level] : {std::pair{"a", 1.0}, {"b", 2.0}, {"b", 3.0}})
+    rig.plug->MakePreset(name, level, 1, 0, 0, 0.0, -1.0);
   for (const int idx : {-1, 4, INT_MAX, INT_MIN}) EXPECT_FALSE(rig.plug->RestorePreset(idx)) << idx;
-  for (const char* name : {"", "nobody", static_cast<const char*>(nullptr)}) {
+  for (const char* name : {"", "nobody", static_cast<const char*>(nullptr)})
     EXPECT_FALSE(rig.plug->RestorePreset(name));
-  }
-  EXPECT_EQ(rig.plug->GetCurrentPresetIdx(), 0);
-  EXPECT_EQ(rig.plug->TakeLog(), "");
   EXPECT_STREQ(rig.plug->GetPresetName(4), "");
-}
-
-TEST(Presets, RestoringByNameTakesTheFirstMatch) {
-  Rig rig;
-  rig.plug->MakePreset("a", 1.0, 1, 0, 0, 0.0, -1.0);
-  rig.plug->MakePreset("b", 2.0, 1, 0, 0, 0.0, -1.0);
-  rig.plug->MakePreset("b", 3.0, 1, 0, 0, 0.0, -1.0);
+  EXPECT_EQ(rig.plug->GetCurrentPresetIdx(), 0);
+  EXPECT_EQ(rig.TakeLog(), "");
   EXPECT_TRUE(rig.plug->RestorePreset("b"));
   EXPECT_EQ(rig.plug->GetCurrentPresetIdx(), 1);
-  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.0);
-  EXPECT_EQ(rig.plug->TakeLog(), "Param 0 Param 1 Param 2 Param 3 Param 4 Param 5 Presets");
-}
-
-TEST(Presets, UnfilledSlotsCanBePruned) {
-  Rig rig;
-  rig.plug->MakeDefaultPreset("kept");
-  rig.plug->PruneUninitializedPresets();
-  EXPECT_EQ(rig.plug->NPresets(), 1);
-  EXPECT_STREQ(rig.plug->GetPresetName(0), "kept");
+  EXPECT_EQ(rig.plug->Value(kLevel), 2.0);
+  EXPECT_EQ(rig.TakeLog(), kAllAnnounced + std::string(" Presets"));
 }
 
 TEST(Presets, ChangingProgramsKeepsTheEditsOfTheOneLeft) {
-  Rig rig;
-  rig.plug->MakeEmptyPresets();
-  rig.plug->GetParam(kLevel)->Set(9);
-  rig.Dispatch(effSetProgram, 0, 1);
-  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 2.5);
-  rig.Dispatch(effSetProgram, 0, 0);
-  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 9.0);
-  rig.plug->GetParam(kLevel)->Set(4);
-  rig.Dispatch(effSetProgram, 0, 0);
-  EXPECT_EQ(rig.plug->GetParam(kLevel)->Value(), 4.0)
-      << "restoring the present one keeps its edits";
-  rig.Dispatch(effSetProgram, 0, 77);
-  EXPECT_EQ(rig.Dispatch(effGetProgram), 0);
-
-  PlugOptions chunks;
-  chunks.chunks = true;
-  Rig opaque(chunks);
-  opaque.plug->MakeEmptyPresets();
-  opaque.plug->GetParam(kLevel)->Set(9);
-  opaque.Dispatch(effSetProgram, 0, 1);
-  opaque.Dispatch(effSetProgram, 0, 0);
-  EXPECT_EQ(opaque.plug->GetParam(kLevel)->Value(), 2.5) << "hosts save those by themselves";
+  for (const bool chunks : {false, true}) {
+    Rig rig({.chunks = chunks});
+    rig.plug->MakeEmptyPresets();
+    const auto levelAfter = [&](int program) {
+      rig.Dispatch(effSetProgram, 0, program);
+      return rig.plug->Value(kLevel);
+    };
+    rig.plug->GetParam(kLevel)->Set(9);
+    EXPECT_EQ(levelAfter(1), 2.5);
+    EXPECT_EQ(levelAfter(0), chunks ? 2.5 : 9.0) << "hosts that keep chunks save by themselves";
+    rig.plug->GetParam(kLevel)->Set(4);
+    EXPECT_EQ(levelAfter(0), chunks ? 2.5 : 4.0) << "also of the present one";
+    levelAfter(77);
+    EXPECT_EQ(rig.Dispatch(effGetProgram), 0);
+  }
 }
 
 TEST(Base64, FollowsTheAlphabetAndItsPadding) {
-  const char* kPairs[][2] = {{"", ""},
-                             {"f", "Zg=="},
-                             {"fo", "Zm8="},
-                             {"foo", "Zm9v"},
-                             {"foob", "Zm9vYg=="},
-                             {"fooba", "Zm9vYmE="},
-                             {"foobar", "Zm9vYmFy"},
-                             {"\xFB\xFF", "+/8="}};
+  const char* kPairs[][2] = {{"", ""},        {"f", "Zg=="},        {"fo", "Zm8="},
+                             {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"\xFB\xFF", "+/8="}};
   for (const auto& pair : kPairs) {
     const std::size_t size = std::strlen(pair[0]);
     EXPECT_EQ(Base64Encode(pair[0], size), pair[1]);
@@ -168,7 +136,6 @@ TEST(Dumps, SourceCodeShowsEveryKindOfParameter) {
             "  MakePresetFromNamedParams(\"name\", 6,\n    kLevel, 0.333333,\n    kCount, -2,\n"
             "    kSwitch, false,\n    kMode, 2,\n    kTapered, 50.000000,\n"
             "    kNegated, -1.500000);\n");
-  EXPECT_FALSE(rig.plug->DumpPresetBlob("/nowhere/at/all"));
 }
 
 }  // namespace

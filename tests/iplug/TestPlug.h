@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,8 +15,6 @@
 struct PlugOptions {
   const char* channelIO = "1-1 2-2";
   int presets = 4;
-  int version = 0x00010203;
-  int uniqueID = 0x54657374;
   int latency = 0;
   bool midi = false;
   bool chunks = false;
@@ -32,42 +31,39 @@ enum ETestParam {
   kNegated,  // double -6 to -0.5 by 0.01, shown with opposite sign
   kNumTestParams
 };
+inline constexpr char kAllAnnounced[] = "Param 0 Param 1 Param 2 Param 3 Param 4 Param 5";
+
+// What happened, as words with blanks between; it outlives those who write it.
+using Log = std::shared_ptr<std::string>;
+void Note(const Log& log, const std::string& text);  // nothing where there is no log
 
 // Notes what it is told; passes sound through unless `process` is set.
 class TestPlug : public IPlugVST {
  public:
   explicit TestPlug(audioMasterCallback callback, const PlugOptions& options = {});
-  ~TestPlug() override;
+  ~TestPlug() override { Note(log, "Gone"); }
 
-  void Reset() override { Note("Reset"); }
-  void OnParamChange(int idx) override { Note("Param " + std::to_string(idx)); }
+  void Reset() override { Note(log, "Reset"); }
+  void OnParamChange(int idx) override { Note(log, "Param " + std::to_string(idx)); }
   void ProcessDoubleReplacing(double** inputs, double** outputs, int nFrames) override;
-  void OnActivate(bool active) override { Note(active ? "On" : "Off"); }
-  void OnPresetsChanged() override { Note("Presets"); }
-  void OnHostIdentified() override { Note("Identified"); }
-  void OnGUIOpen() override { Note("GUIOpen"); }
-  void OnGUIClose() override { Note("GUIClose"); }
-  void OnWindowResize() override { Note("Resize"); }
+  void OnActivate(bool active) override { Note(log, active ? "On" : "Off"); }
+  void OnPresetsChanged() override { Note(log, "Presets"); }
+  void OnHostIdentified() override { Note(log, "Identified"); }
+  void OnGUIOpen() override { Note(log, "GUIOpen"); }
+  void OnGUIClose() override { Note(log, "GUIClose"); }
+  void OnWindowResize() override { Note(log, "Resize"); }
   void ProcessMidiMsg(IMidiMsg* msg) override;
   void ProcessSysEx(ISysEx* msg) override;
   bool MidiNoteName(int note, char* name) override;
-
-  void Note(const std::string& text) {
-    if (noting) log.push_back(text);
-  }
-  // The log so far, joined by blanks; it starts anew.
-  std::string TakeLog();
 
   using IPlugBase::AttachInputBuffers;
   using IPlugBase::AttachOutputBuffers;
   using IPlugBase::mDelay;
   using IPlugBase::PassThroughBuffers;
-  using IPlugBase::ZeroScratchBuffers;
   IPreset* Preset(int idx) { return mPresets.Get(idx); }
+  double Value(int idx) const { return GetParam(idx)->Value(); }
 
-  bool noting = true;
-  bool* deleted = nullptr;  // set when the object goes
-  std::vector<std::string> log;
+  Log log = std::make_shared<std::string>();
   std::function<void(double**, double**, int)> process;
 };
 
@@ -81,20 +77,15 @@ struct HostCall {
 
 // What the host answers, and what it was asked.
 struct FakeHost {
-  std::string product = "Some Host";
-  VstIntPtr vendorVersion = 0;
-  VstTimeInfo time{};
-  bool answersTime = true;
-  VstIntPtr processLevel = 0;
-  VstIntPtr eventsAnswer = 1;
-  std::vector<char> eventBytes;  // the last event sent
-  std::vector<HostCall> calls;
-  std::function<void(const HostCall&)> onCall;
-
   static VstIntPtr Callback(AEffect* effect, std::int32_t opcode, std::int32_t index,
                             VstIntPtr value, void* ptr, float opt);
-  VstIntPtr Answer(const HostCall& call, void* ptr);
-  int Count(int opcode) const;
+
+  std::string product = "Some Host";
+  VstTimeInfo time{};
+  std::map<int, VstIntPtr> answers = {{audioMasterGetTime, reinterpret_cast<VstIntPtr>(&time)}};
+  std::vector<char> eventBytes;  // the last event sent
+  std::vector<HostCall> calls;
+  std::function<void()> onCall = [] {};
 };
 
 // A plug-in in a host.
@@ -105,7 +96,9 @@ struct Rig {
                      float opt = 0.0F) {
     return effect->dispatcher(effect, opcode, index, value, ptr, opt);
   }
-  VstIntPtr SetChunk(const std::vector<std::uint8_t>& bytes, bool isPreset);
+  void Close();           // the host's last call
+  std::string TakeLog();  // the log so far; it starts anew
+  VstIntPtr SetChunk(std::vector<std::uint8_t> bytes, bool isPreset);
   std::vector<std::uint8_t> GetChunk(bool isPreset);
   std::vector<double> Values() const;
   void SetValues(const std::vector<double>& values);
@@ -114,21 +107,23 @@ struct Rig {
   FakeHost host;
   std::unique_ptr<TestPlug> plug;
   AEffect* effect;
+  Log log;
 };
 
 // An editor whose window and dialogs are notes in the plug-in's log.
 class FakeEditor : public IGraphicsOffscreen {
  public:
-  explicit FakeEditor(TestPlug* plug) : IGraphicsOffscreen(plug, 300, 200, 0), mPlug(plug) {}
+  explicit FakeEditor(TestPlug* plug) : IGraphicsOffscreen(plug, 300, 200, 0), mLog(plug->log) {}
+  ~FakeEditor() override { Note(mLog, "EditorGone"); }
   void* OpenWindow(void* parent) override;
-  void CloseWindow() override { mPlug->Note("CloseWindow"); }
+  void CloseWindow() override;
   void PromptForFile(HeapString* file, int action, HeapString* dir,
                      const char* extensions) override;
 
   std::string answer;  // of the file dialog
 
  private:
-  TestPlug* mPlug;
+  Log mLog;
 };
 
 // A path in the test's own directory that nothing exists at.
