@@ -23,7 +23,7 @@ namespace {
 char unfinishedPath[PATH_MAX];
 volatile sig_atomic_t unfinishedExists = 0;
 
-constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
 // Holds the ending signals back while a file and its note for the handler are out of step.
 class SignalPause {

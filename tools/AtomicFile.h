@@ -29,5 +29,6 @@ void WriteWholeFile(const std::string& target, const void* data, std::size_t siz
 // Throws Failure when `output` is the very file that is being read, under whatever name.
 void RequireOtherFile(const std::string& input, const std::string& output);
 
-// From here on an interrupt, hang-up or termination first removes the unfinished file.
+// From here on the signals by which users and shells end a program first remove the unfinished
+// file.
 void RemoveUnfinishedFileOnSignals();

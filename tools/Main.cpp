@@ -1,8 +1,11 @@
 // tolmara: a host for VST2 effects on the command line.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <iostream>
 
 #include "tools/AtomicFile.h"
 #include "tools/Commands.h"
@@ -39,13 +42,22 @@ int Fail(const char* line, ExitCode code) {
 
 // The library would only say that a command is missing.
 void RequireKnownCommand(const CLI::App& app, const std::string& name) {
-  if (name.starts_with('-')) return;
+  if (name == "-h" || name == "--help") return;
+  if (name.starts_with('-'))
+    throw Failure(ExitCode::Usage, "a command comes first, not \"" + name + "\"");
   std::vector<std::string> names;
   for (const CLI::App* const command : app.get_subcommands({}))
     names.push_back(command->get_name());
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
   throw Failure(ExitCode::Usage, "no command is called \"" + name + "\"; the nearest is \"" +
                                      NearestName(name, names) + "\"");
+}
+
+// What was printed is an output like any other file.
+void RequirePrinted() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0 || !std::cout.flush())
+    throw Failure(ExitCode::Output,
+                  std::string("cannot write the standard output: ") + std::strerror(errno));
 }
 
 int Run(int argc, char** argv) {
@@ -58,9 +70,10 @@ int Run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     // A request for help is one of these too, with a code of 0.
-    if (error.get_exit_code() == 0) return app.exit(error);
-    return Fail(error.what(), ExitCode::Usage);
+    if (error.get_exit_code() != 0) return Fail(error.what(), ExitCode::Usage);
+    app.exit(error);
   }
+  RequirePrinted();
   return static_cast<int>(ExitCode::Success);
 }
 

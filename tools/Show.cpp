@@ -7,6 +7,7 @@
 #include "tools/Nearest.h"
 #include "tools/PresetFiles.h"
 #include "tools/Settings.h"
+#include "tools/Table.h"
 
 namespace {
 
@@ -75,7 +76,7 @@ void Show(const ShowOptions& options) {
     return PrintJson({{"effect", host->EffectName()}, {"presets", list}});
   }
   if (programs.size() != 1) return PrintPresetNames(NamesOf(programs));
-  std::printf("%s: \"%s\"\n\n", host->EffectName().c_str(), programs[0].name.c_str());
+  std::printf("%s: \"%s\"\n\n", host->EffectName().c_str(), Printable(programs[0].name).c_str());
   PrintParameters(programs[0].parameters);
 }
 

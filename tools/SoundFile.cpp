@@ -26,7 +26,7 @@ constexpr Container kContainers[] = {
     {".wav", SF_FORMAT_WAV},  {".flac", SF_FORMAT_FLAC}, {".aiff", SF_FORMAT_AIFF},
     {".aif", SF_FORMAT_AIFF}, {".aifc", SF_FORMAT_AIFF}, {".ogg", SF_FORMAT_OGG},
     {".oga", SF_FORMAT_OGG},  {".w64", SF_FORMAT_W64},   {".rf64", SF_FORMAT_RF64},
-    {".caf", SF_FORMAT_CAF},
+    {".caf", SF_FORMAT_CAF},  {".au", SF_FORMAT_AU},     {".snd", SF_FORMAT_AU},
 };
 
 struct Depth {
@@ -39,6 +39,10 @@ constexpr Depth kDepths[] = {
 };
 
 [[noreturn]] void FailInput(const std::string& line) { throw Failure(ExitCode::Input, line); }
+
+bool AllNumbers(const double* samples, std::int64_t count) {
+  return std::all_of(samples, samples + count, [](double x) { return std::isfinite(x); });
+}
 
 std::string WithoutDot(std::string text) {
   while (!text.empty() && (text.back() == '.' || text.back() == '\n')) text.pop_back();
@@ -79,6 +83,9 @@ int ContainerOf(int input, const std::string& output) {
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   for (const Container& known : kContainers)
     if (extension == known.extension) return known.format;
+  if (!extension.empty())
+    throw Failure(ExitCode::Output, "cannot write " + output + ": no format is known for \"" +
+                                        extension + "\"; choose .wav, .flac, .aiff or .ogg");
   return input & SF_FORMAT_TYPEMASK;
 }
 
@@ -110,6 +117,8 @@ std::int64_t SoundReader::Read(double* interleaved, std::int64_t frames) {
   if (count < frames && mRead < mInfo.frames)
     FailInput(mPath + " is damaged: it ends after " + std::to_string(mRead) + " of " +
               std::to_string(mInfo.frames) + " frames");
+  if (!AllNumbers(interleaved, count * mInfo.channels))
+    FailInput(mPath + " is damaged: it holds samples that are no numbers");
   return count;
 }
 
@@ -151,6 +160,8 @@ void SoundWriter::RequireRoom(std::int64_t frames) const {
 
 void SoundWriter::Write(const double* interleaved, std::int64_t frames) {
   if (frames == 0) return;
+  if (!AllNumbers(interleaved, frames * mInfo.channels))
+    throw Failure(ExitCode::Plugin, "the plug-in puts out samples that are no numbers");
   mFrames += frames;
   RequireRoom(mFrames);
   for (std::int64_t i = 0; i < frames * mInfo.channels; ++i)
@@ -184,8 +195,13 @@ void SoundWriter::RequireWritten(std::int64_t written, std::int64_t frames) {
 double SoundWriter::Peak_dB() const { return 20 * std::log10(std::max(mPeak, 1e-12)); }
 
 void SoundWriter::Finish() {
-  if (sf_close(mFile.release()) != 0)
-    throw Failure(ExitCode::Output, "cannot write " + mShown + ": the file did not close");
+  const bool closed = sf_close(mFile.release()) == 0;
+  // Not every encoder tells that its last bytes found no room. An Ogg stream without them tells no
+  // length.
+  SF_INFO stored{};
+  const SoundHandle again(closed ? sf_open(mOutput.Path().c_str(), SFM_READ, &stored) : nullptr);
+  if (!again || stored.frames < mFrames || stored.frames == SF_COUNT_MAX)
+    throw Failure(ExitCode::Output, "cannot write " + mShown + ": not all of it could be stored");
   mOutput.Commit();
 }
 

@@ -26,7 +26,7 @@ class SoundReader {
   int Format() const { return mInfo.format; }           // libsndfile's code
 
   // Reads up to `frames` interleaved frames, full scale being 1; fewer only at the end. Throws
-  // Failure (ExitCode::Input) when the file ends before it announced.
+  // Failure (ExitCode::Input) when the file ends before it announced or holds what is no number.
   std::int64_t Read(double* interleaved, std::int64_t frames);
 
  private:
@@ -36,14 +36,16 @@ class SoundReader {
   std::int64_t mRead = 0;  // frames so far
 };
 
-// libsndfile's code for writing to `output`: the container of its extension, else that of `input`;
-// the depth asked for ("16", "24", "32", "float", "double"), else that of `input` or the nearest
-// that the container has. Throws Failure (ExitCode::Output) where they do not go together.
+// libsndfile's code for writing to `output`: the container of its extension, without one that of
+// `input`; the depth asked for ("16", "24", "32", "float", "double"), else that of `input` or the
+// nearest that the container has. Throws Failure (ExitCode::Output) for an extension that is not
+// known and where they do not go together.
 int ChooseFormat(int input, const std::string& output, const std::string& depth, int channels,
                  int rate);
 
 // A sound being written; it appears under its name with Finish, whole. Integer formats saturate and
-// count the samples that did. Throws Failure (ExitCode::Output).
+// count the samples that did. Throws Failure (ExitCode::Output), or with ExitCode::Plugin for
+// samples that are no numbers.
 class SoundWriter {
  public:
   SoundWriter(const std::string& path, int format, int channels, int rate);

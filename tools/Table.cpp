@@ -4,12 +4,18 @@
 #include <algorithm>
 #include <cstdio>
 
+std::string Printable(std::string text) {
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = '?';
+  return text;
+}
+
 namespace {
 
 void PrintRow(const std::vector<std::string>& row, const std::vector<std::size_t>& widths) {
   std::string line;
   for (std::size_t c = 0; c < row.size(); ++c) {
-    line += row[c];
+    line += Printable(row[c]);
     line.append(widths[c] - row[c].size() + 2, ' ');
   }
   line.erase(line.find_last_not_of(' ') + 1);

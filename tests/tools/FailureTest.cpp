@@ -1,7 +1,9 @@
 // What tolmara answers to what cannot be done: one line, the documented code, nothing left behind.
+#include <signal.h>
 #include <sndfile.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "tests/tools/ToolRun.h"
@@ -18,6 +20,7 @@ class FailureTest : public ToolTest {
     Write("in.wav", NoiseSound(2, 44100, 5000, kWav16));
     Write("three.wav", NoiseSound(3, 44100, 100, kWav16));
     Write("void.wav", {1, 44100, kWav16, {}});
+    Write("nan.wav", {1, 44100, SF_FORMAT_WAV | SF_FORMAT_FLOAT, {0, NAN}});
     Write("cut.flac", NoiseSound(1, 44100, 50000, SF_FORMAT_FLAC | SF_FORMAT_PCM_16));
     const std::string whole = Bytes("cut.flac");
     PutBytes("cut.flac", whole.substr(0, whole.size() / 2));
@@ -29,9 +32,9 @@ class FailureTest : public ToolTest {
     fs::create_hard_link(mFolder / "in.wav", mFolder / "twin.wav");
   }
 
-  void Expect(const std::vector<std::string>& arguments, int code, const std::string& line,
+  void Expect(const Words& arguments, int code, const std::string& line,
               const RunLimits& limits = {}) {
-    const std::vector<std::string> before = Files();
+    const Words before = Files();
     const std::string input = Bytes("in.wav");
     const Ended ended = Tolmara(arguments, limits);
     std::string shown;
@@ -43,25 +46,27 @@ class FailureTest : public ToolTest {
     EXPECT_EQ(Files(), before) << shown;
     EXPECT_EQ(Bytes("in.wav"), input) << shown;
   }
+  // Of a render from in.wav to out.wav.
+  void ExpectOfRender(const Words& options, int code, const std::string& line) {
+    Expect(Words{"render", "in.wav", "out.wav"} + options, code, line);
+  }
 };
 
 TEST_F(FailureTest, NamesWhatIsWrongWithTheCommandLine) {
   Expect({}, 2, "subcommand");
+  Expect({"--version"}, 2, "a command comes first");
   Expect({"rende", "in.wav", "out.wav"}, 2, "the nearest is \"render\"");
   Expect({"render", "in.wav"}, 2, "OUT");
-  Expect({"render", "in.wav", "out.wav", "--blok", "5"}, 2, "--blok");
-  Expect({"render", "in.wav", "out.wav", "--block", "0"}, 2, "--block");
-  Expect({"render", "in.wav", "out.wav", "--tail", "long"}, 2, "--tail");
-  Expect({"render", "in.wav", "out.wav", "--tail", "nan"}, 2, "--tail");
-  Expect({"render", "in.wav", "out.wav", "--depth", "12"}, 2, "--depth");
-  Expect({"params", "--plugin", "full_effect.so", "--set", "Level"}, 2, "Name=value");
+  Expect({"params", "--set", "Level"}, 2, "Name=value");
+  ExpectOfRender({"--blok", "5"}, 2, "--blok");
+  ExpectOfRender({"--block", "0"}, 2, "--block");
+  ExpectOfRender({"--tail", "long"}, 2, "--tail");
+  ExpectOfRender({"--tail", "nan"}, 2, "--tail");
+  ExpectOfRender({"--depth", "12"}, 2, "--depth");
 }
 
 TEST_F(FailureTest, NamesWhatIsWrongWithTheInput) {
-  struct Case {
-    const char *input, *line;
-  };
-  const Case cases[] = {
+  const char* const cases[][2] = {
       {"missing.wav", "cannot read missing.wav: No such file"},
       {"folder", "no regular file"},
       {"text.wav", "text.wav is no sound file"},
@@ -69,41 +74,33 @@ TEST_F(FailureTest, NamesWhatIsWrongWithTheInput) {
       {"void.wav", "void.wav is empty: it holds no sound"},
       {"three.wav", "three.wav has 3 channels"},
       {"cut.flac", "cut.flac is damaged: it ends after"},
+      {"nan.wav", "nan.wav is damaged: it holds samples that are no numbers"},
   };
-  for (const Case& c : cases)
-    Expect({"render", c.input, "out.wav", "--plugin", "full_effect.so"}, 3, c.line);
+  for (const auto& [input, line] : cases) Expect({"render", input, "out.wav"}, 3, line);
 }
 
 TEST_F(FailureTest, NamesTheRangeOrTheNearestNameOfASetting) {
-  struct Case {
-    const char *option, *value, *line;
+  const char* const cases[][2] = {
+      {"Lefel=2", "no parameter is called \"Lefel\"; the nearest is \"Level\""},
+      {"Level=4.01", "Level goes from 0.00 to 4.00 x; 4.01 is outside"},
+      {"Level=-1", "Level goes from 0.00 to 4.00 x"},
+      {"Level=much", "Level takes a number, not \"much\""},
+      {"Level=inf", "Level takes a number"},
+      {"Level=1x", "Level takes a number"},
+      {"Level=", "Level takes a number"},
+      {"Echo=2.5", "Echo takes whole numbers from 0 to 5000 ms"},
+      {"Invert=maybe", "Invert is one of off, on, not \"maybe\""},
+      {"Invert=2", "Invert is one of off, on"},
+      {"Twin=0.5", "several parameters are called Twin"},
+      {"6=1", "parameter ids go from 0 to 5; 6 is outside"},
   };
-  const Case cases[] = {
-      {"--set", "Lefel=2", "no parameter is called \"Lefel\"; the nearest is \"Level\""},
-      {"--set", "Level=4.01", "Level goes from 0.00 to 4.00 x; 4.01 is outside"},
-      {"--set", "Level=-1", "Level goes from 0.00 to 4.00 x"},
-      {"--set", "Level=much", "Level takes a number, not \"much\""},
-      {"--set", "Level=inf", "Level takes a number"},
-      {"--set", "Level=1x", "Level takes a number"},
-      {"--set", "Level=", "Level takes a number"},
-      {"--set", "Echo=2.5", "Echo takes whole numbers from 0 to 5000 ms"},
-      {"--set", "Invert=maybe", "Invert is one of off, on, not \"maybe\""},
-      {"--set", "Invert=2", "Invert is one of off, on"},
-      {"--set", "Twin=0.5", "several parameters are called Twin"},
-      {"--set", "6=1", "parameter ids go from 0 to 5; 6 is outside"},
-      {"--preset", "Double", "no preset is called \"Double\"; the nearest is \"Doubled\""},
-  };
-  for (const Case& c : cases) {
-    Expect({"render", "in.wav", "out.wav", "--plugin", "full_effect.so", c.option, c.value}, 4,
-           c.line);
-  }
+  for (const auto& [setting, line] : cases) ExpectOfRender({"--set", setting}, 4, line);
+  ExpectOfRender({"--preset", "Double"}, 4,
+                 "no preset is called \"Double\"; the nearest is \"Doubled\"");
 }
 
 TEST_F(FailureTest, NamesWhyASharedObjectCannotBeUsed) {
-  struct Case {
-    const char *plugin, *line;
-  };
-  const Case cases[] = {
+  const char* const cases[][2] = {
       {"missing.so", "cannot load missing.so"},
       {"text.so", "cannot load text.so"},
       {"folder", "cannot load folder"},
@@ -112,15 +109,11 @@ TEST_F(FailureTest, NamesWhyASharedObjectCannotBeUsed) {
       {"wrong_magic.so", "is no VST2 plug-in: what its VSTPluginMain returns"},
       {"plain_effect.so", "cannot take sound of 2 channels"},
   };
-  for (const Case& c : cases)
-    Expect({"render", "in.wav", "out.wav", "--plugin", c.plugin}, 5, c.line);
+  for (const auto& [plugin, line] : cases) ExpectOfRender({"--plugin", plugin}, 5, line);
 }
 
 TEST_F(FailureTest, NamesWhyTheOutputCannotBeWritten) {
-  struct Case {
-    const char *output, *line;
-  };
-  const Case cases[] = {
+  const char* const cases[][2] = {
       {"in.wav", "in.wav is the file to read"},
       {"./folder/../in.wav", "is the file to read"},
       {"link.wav", "link.wav is the file to read"},
@@ -128,52 +121,51 @@ TEST_F(FailureTest, NamesWhyTheOutputCannotBeWritten) {
       {"folder", "cannot write folder: it is a folder"},
       {"missing/out.wav", "cannot write missing/out.wav: No such file or directory"},
       {"/dev/null", "cannot write /dev/null: it is not a regular file"},
+      {"out.mp3", "no format is known for \".mp3\""},
   };
-  for (const Case& c : cases)
-    Expect({"render", "in.wav", c.output, "--plugin", "full_effect.so"}, 6, c.line);
-  Expect({"render", "in.wav", "out.flac", "--depth", "float", "--plugin", "full_effect.so"}, 6,
-         "has no such depth");
+  for (const auto& [output, line] : cases) Expect({"render", "in.wav", output}, 6, line);
+  Expect({"render", "in.wav", "out.flac", "--depth", "float"}, 6, "has no such depth");
 }
 
 TEST_F(FailureTest, LeavesNothingAndChangesNothingWhenTheDiskIsFull) {
-  const std::string former = "the former content";
-  PutBytes("out.wav", former);
-  const RunLimits limits{.fileSize = 4096};
-  Expect({"render", "in.wav", "out.wav", "--plugin", "full_effect.so"}, 6, "cannot write out.wav",
-         limits);
-  EXPECT_EQ(Bytes("out.wav"), former);
-  Expect({"save-bank", "out.wav", "--plugin", "full_effect.so"}, 6, "cannot write out.wav",
-         {.fileSize = 100});
-  EXPECT_EQ(Bytes("out.wav"), former);
+  Works({"render", "in.wav", "whole.ogg"});
+  const long size = static_cast<long>(Bytes("whole.ogg").size());
+  for (const auto& [name, limit] : {std::pair{"out.wav", 4096L}, {"out.ogg", size - 50}}) {
+    PutBytes(name, "the former content");
+    Expect({"render", "in.wav", name}, 6, std::string("cannot write ") + name, {.fileSize = limit});
+    Expect({"save-bank", name}, 6, "cannot write", {.fileSize = 100});
+    EXPECT_EQ(Bytes(name), "the former content");
+  }
+  Expect({"params", "--json"}, 6, "cannot write the standard output", {.fileSize = 100});
+  Expect({"--help"}, 6, "cannot write the standard output", {.fileSize = 100});
 }
 
-TEST_F(FailureTest, LeavesNothingWhenInterrupted) {
-  const std::vector<std::string> before = Files();
-  const Ended ended =
-      Tolmara({"render", "in.wav", "out.wav", "--tail", "3600", "--plugin", "full_effect.so"},
-              {.interruptOnFile = "out.wav"});
-  EXPECT_EQ(ended.code, 130);
-  EXPECT_EQ(Files(), before);
+TEST_F(FailureTest, LeavesNothingWhenASignalEndsIt) {
+  const Words before = Files();
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
+    const Ended ended = Tolmara({"render", "in.wav", "out.wav", "--tail", "3600"},
+                                {.signal = signal, .signalOnFile = "out.wav"});
+    EXPECT_EQ(ended.code, 128 + signal);
+    EXPECT_EQ(Files(), before);
+  }
 }
 
 TEST_F(FailureTest, RefusesAtOnceWhatWouldNotFitTheFormat) {
   // A WAV file of 3 GB, of which only the header takes room.
-  Write("huge.wav", NoiseSound(2, 44100, 10, kWav16));
-  std::string header = Bytes("huge.wav").substr(0, 44);
+  std::string header = Bytes("in.wav").substr(0, 44);
   const std::uint32_t size = 3000000000U;
   for (const auto& [place, value] : {std::pair{4U, size + 36}, std::pair{40U, size}})
     for (unsigned b = 0; b < 4; ++b) header[place + b] = static_cast<char>(value >> (8 * b));
   PutBytes("huge.wav", header);
   fs::resize_file(mFolder / "huge.wav", 3000000044U);
-  Expect({"render", "huge.wav", "out.wav", "--depth", "32", "--plugin", "full_effect.so"}, 6,
-         "it would pass 4 GB");
+  Expect({"render", "huge.wav", "out.wav", "--depth", "32"}, 6, "it would pass 4 GB");
 }
 
 TEST_F(FailureTest, WritesThroughALinkAndKeepsThePermissionsOfWhatItReplaces) {
   PutBytes("real.wav", "old");
   fs::permissions(mFolder / "real.wav", fs::perms{0640});
   fs::create_symlink("real.wav", mFolder / "alias.wav");
-  Works({"render", "in.wav", "alias.wav", "--plugin", "full_effect.so"});
+  Works({"render", "in.wav", "alias.wav"});
   EXPECT_TRUE(fs::is_symlink(mFolder / "alias.wav"));
   EXPECT_EQ(Read("real.wav").samples, Read("in.wav").samples);
   EXPECT_EQ(fs::status(mFolder / "real.wav").permissions(), fs::perms{0640});
@@ -182,8 +174,8 @@ TEST_F(FailureTest, WritesThroughALinkAndKeepsThePermissionsOfWhatItReplaces) {
 TEST_F(FailureTest, EveryCommandExplainsItselfWithExamples) {
   const std::string help = Works({"--help"});
   EXPECT_NE(help.find("Exit codes:"), std::string::npos);
-  for (const char* const command :
-       {"render", "response", "params", "presets", "save-preset", "save-bank", "show"}) {
+  for (const char* const command : {"render", "response", "params", "presets", "save-preset",
+                                    "save-bank", "show", "screenshot"}) {
     EXPECT_NE(help.find(command), std::string::npos) << command;
     const std::string text = Works({command, "--help"});
     EXPECT_NE(text.find(std::string("  tolmara ") + command), std::string::npos) << command;

@@ -26,7 +26,7 @@ std::string Slurp(const fs::path& path) {
   return text.str();
 }
 
-[[noreturn]] void BecomeProgram(const std::string& program, std::vector<std::string> arguments,
+[[noreturn]] void BecomeProgram(const std::string& program, Words& arguments,
                                 const fs::path& folder, const std::string& streams, long fileSize) {
   std::vector<char*> argv = {const_cast<char*>(program.c_str())};
   for (std::string& argument : arguments) argv.push_back(argument.data());
@@ -44,6 +44,11 @@ std::string Slurp(const fs::path& path) {
 
 }  // namespace
 
+Words operator+(Words a, const Words& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
 ToolTest::ToolTest() {
   std::string name = (fs::temp_directory_path() / "tolmara-test-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) std::abort();
@@ -56,17 +61,16 @@ ToolTest::~ToolTest() {
   for (const char* const stream : {".out", ".err"}) fs::remove(mFolder.string() + stream, ignored);
 }
 
-Ended ToolTest::Run(const std::string& program, const std::vector<std::string>& arguments,
-                    const RunLimits& limits) {
+Ended ToolTest::Run(const std::string& program, Words arguments, const RunLimits& limits) {
   const pid_t child = fork();
   if (child == 0) BecomeProgram(program, arguments, mFolder, mFolder.string(), limits.fileSize);
-  for (bool sent = limits.interruptOnFile.empty(); !sent;) {
+  for (bool sent = limits.signal == 0; !sent;) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    const std::vector<std::string> files = Files();
+    const Words files = Files();
     sent = std::any_of(files.begin(), files.end(), [&](const std::string& file) {
-      return file.starts_with(limits.interruptOnFile);
+      return file.starts_with(limits.signalOnFile);
     });
-    if (sent) kill(child, SIGINT);
+    if (sent) kill(child, limits.signal);
   }
   int status = 0;
   rusage usage{};
@@ -76,22 +80,26 @@ Ended ToolTest::Run(const std::string& program, const std::vector<std::string>& 
           usage.ru_maxrss};
 }
 
-Ended ToolTest::Tolmara(std::vector<std::string> arguments, const RunLimits& limits) {
-  for (std::string& argument : arguments)
-    if (argument.ends_with("_effect.so") || argument.ends_with("_entry.so") ||
-        argument.ends_with("_magic.so"))
-      argument = std::string(TOLMARA_BINARY_DIR "/test_effects/") + argument;
-  return Run(TOLMARA_BINARY_DIR "/tolmara", arguments, limits);
+Ended ToolTest::Tolmara(Words arguments, const RunLimits& limits) {
+  const bool named = std::count(arguments.begin(), arguments.end(), "--plugin") > 0;
+  if (!mPlugin.empty() && !named && arguments.size() > 1) {
+    arguments = arguments + Words{"--plugin", mPlugin};
+  }
+  for (std::string& argument : arguments) {
+    const fs::path effect = fs::path(TOLMARA_BINARY_DIR "/test_effects") / argument;
+    if (argument.ends_with(".so") && fs::exists(effect)) argument = effect.string();
+  }
+  return Run(TOLMARA_BINARY_DIR "/tolmara", std::move(arguments), limits);
 }
 
-std::string ToolTest::Works(const std::vector<std::string>& arguments) {
+std::string ToolTest::Works(const Words& arguments) {
   const Ended ended = Tolmara(arguments);
   EXPECT_EQ(ended.code, 0) << ended.err;
   return ended.out;
 }
 
-std::vector<std::string> ToolTest::Files() const {
-  std::vector<std::string> names;
+Words ToolTest::Files() const {
+  Words names;
   for (const auto& entry : fs::directory_iterator(mFolder))
     names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
@@ -122,14 +130,14 @@ void ToolTest::Write(const std::string& name, const Sound& sound) const {
   info.format = sound.format;
   SNDFILE* const file = sf_open((mFolder / name).c_str(), SFM_WRITE, &info);
   ASSERT_NE(file, nullptr) << sf_strerror(nullptr);
-  std::vector<int> integers;
-  for (const double x : sound.samples) integers.push_back(static_cast<int>(x * 2147483648.0));
-  const bool exact = (sound.format & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT;
   const auto frames = static_cast<sf_count_t>(sound.Frames());
-  if (exact)
+  std::vector<int> integers;
+  if ((sound.format & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT) {
     sf_writef_double(file, sound.samples.data(), frames);
-  else
+  } else {
+    for (const double x : sound.samples) integers.push_back(static_cast<int>(x * 2147483648.0));
     sf_writef_int(file, integers.data(), frames);
+  }
   sf_close(file);
 }
 

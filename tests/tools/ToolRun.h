@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+using Words = std::vector<std::string>;
+Words operator+(Words a, const Words& b);
+
 struct Ended {
   int code;         // 128 + the signal if one ended it
   std::string out;  // its stdout
@@ -14,8 +17,9 @@ struct Ended {
 };
 
 struct RunLimits {
-  long fileSize = 0;              // bytes that the program may write to a file, 0 for any number
-  std::string interruptOnFile{};  // SIGINT once a file of this folder begins so
+  long fileSize = 0;           // bytes that the program may write to a file, 0 for any number
+  int signal = 0;              // to send, 0 for none, ...
+  std::string signalOnFile{};  // once a file of this folder begins so
 };
 
 struct Sound {
@@ -32,21 +36,21 @@ class ToolTest : public ::testing::Test {
   ToolTest();
   ~ToolTest() override;
 
-  Ended Run(const std::string& program, const std::vector<std::string>& arguments,
-            const RunLimits& limits = {});
-  // tolmara with `arguments`, of which a file "x.so" is one of the test effects.
-  Ended Tolmara(std::vector<std::string> arguments, const RunLimits& limits = {});
-  // The same, with the expectation that it goes well.
-  std::string Works(const std::vector<std::string>& arguments);
+  Ended Run(const std::string& program, Words arguments, const RunLimits& limits = {});
+  // tolmara with `arguments`, of which the name of a test effect finds that effect.
+  Ended Tolmara(Words arguments, const RunLimits& limits = {});
+  // The same, with the expectation that it goes well. Gives its stdout.
+  std::string Works(const Words& arguments);
 
   std::string In(const std::string& name) const { return (mFolder / name).string(); }
-  std::vector<std::string> Files() const;  // names in the folder, sorted
+  Words Files() const;  // names in the folder, sorted
   std::string Bytes(const std::string& name) const;
   void PutBytes(const std::string& name, const std::string& bytes) const;
   Sound Read(const std::string& name) const;
   void Write(const std::string& name, const Sound& sound) const;
 
   std::filesystem::path mFolder;
+  std::string mPlugin = "full_effect.so";  // for all runs that name none themselves
 };
 
 // Noise of 16 bits, half of full scale.
