@@ -60,21 +60,20 @@ TEST_F(Resources, EditorsShareTheBitmapOfAnIdFromItsFirstSuccessOn) {
 }
 
 TEST_F(Resources, EditorsOnSeveralThreadsMayLoadAndWriteAtOnce) {
-  const auto work = [this](int seed) {
-    TestGraphics editor(&plug, 50, 50);
+  const auto work = [this](const IColor& own, const IColor& foreign) {
+    TestGraphics editor(&plug, 52, 50);
     editor.PrepDraw();
     IRECT rect(0, 0, 50, 50);
     for (int i = 0; i < 50; ++i) {
-      EXPECT_NE(editor.LoadIBitmap(20 + (seed + i) % 7, "Two.png").mData, nullptr);
-      IText text(8 + i % 5, seed ? kColorRed : kColorGreen);
+      EXPECT_NE(editor.LoadIBitmap(20 + i % 7, "Two.png").mData, nullptr);
+      IText text(8 + i % 5, own);
       editor.DrawIText(&text, "0.5", &rect);
     }
-    EXPECT_EQ(editor.CountOf((seed ? kColorGreen : kColorRed).Pixel()), 0);
+    EXPECT_EQ(editor.CountOf(foreign.Pixel()), 0);
   };
-  std::thread a(work, 0);
-  std::thread b(work, 1);
-  a.join();
-  b.join();
+  std::thread other(work, kColorRed, kColorGreen);
+  work(kColorGreen, kColorRed);
+  other.join();
 }
 
 TEST_F(Resources, TheBackgroundGoesBelowAllThatWasAttachedBefore) {
