@@ -111,12 +111,6 @@ TYPED_TEST(ProcessEntries, LongBlocksRunInPiecesUnderOneLockWithoutTouchingTheHe
   EXPECT_EQ(b.out[1], b.in[1]);
 }
 
-TYPED_TEST(ProcessEntries, NothingToDoTouchesNothing) {
-  this->mRig.plug->process = [](double**, double**, int) { FAIL(); };
-  for (const int n : {0, -1, INT_MIN}) RunBlock(this->mRig.effect, this->mBlocks, n);
-  EXPECT_EQ(this->mBlocks.out[0], this->mBlocks.before);
-}
-
 TYPED_TEST(ProcessEntries, NullBuffersAreSilenceAndNowhere) {
   Blocks<TypeParam>& b = this->mBlocks;
   b.inputs[0] = nullptr;

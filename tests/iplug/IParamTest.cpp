@@ -106,46 +106,48 @@ TEST(IParam, TheFirstInitDecidesTheKind) {
   EXPECT_EQ(Display(param, 1.25), "1.25");
 }
 
-TEST(IParam, NamedStatesShowTheirTextAndNoUnit) {
-  IParam param;
-  param.InitBool("x", true, "unit", "");
-  EXPECT_EQ(Display(param, 1.0), "on");
-  EXPECT_STREQ(param.GetLabelForHost(), "");
-  EXPECT_EQ(Display(param, 0.99), "off") << "texts go by the truncated value";
-  EXPECT_EQ(Display(param, 1.0, false, false), "1");
-  param.SetDisplayText(1, "later");
-  EXPECT_EQ(Display(param, 1.0), "on") << "the first text of a value wins";
-  param.SetDisplayText(3, "");
-  EXPECT_EQ(Display(param, 3.0), "3");
-  int value = 0;
-  EXPECT_TRUE(param.MapDisplayText("later", &value));
-  EXPECT_EQ(value, 1);
-  EXPECT_FALSE(param.MapDisplayText("On", &value));
-  EXPECT_STREQ(param.GetDisplayTextAtIdx(2, &value), "later");
-  EXPECT_STREQ(param.GetDisplayTextAtIdx(4, &value), "");
-  EXPECT_STREQ(param.GetDisplayTextAtIdx(-1), "");
-  EXPECT_STREQ(Double(0, 1, 0.1).GetLabelForHost(), "unit");
-}
-
-TEST(IParam, NumbersAreTruncatedWithoutDecimalsAndRoundedWithThem) {
-  EXPECT_EQ(Display(Double(-1, 1, 1), -0.9, false, false), "0");
-  EXPECT_EQ(Display(Double(0, 1, 1), 0.9), "0");
-  EXPECT_EQ(Display(Double(0, 1, 0.01), 0.995001), "1.00");
-  EXPECT_EQ(Display(Double(0, 10, 0.1, 2.0), 0.5, true), "2.5");
+TEST(IParam, TextsAreThoseOfTheTruncatedValueElseTheNumber) {
+  IParam named;
+  named.InitBool("x", true, "unit", "");
+  named.SetDisplayText(1, "later");
+  named.SetDisplayText(3, "");
   IParam negated = Double(-6, 0, 0.01);
   negated.NegateDisplay(true);
-  EXPECT_EQ(Display(negated, -1.5), "1.50");
+  const struct {
+    const IParam param;
+    double value;
+    bool normalized, withText;
+    const char* text;
+  } kCases[] = {{named, 1, false, true, "on"},  // the first text of a value wins
+                {named, 0.99, false, true, "off"},
+                {named, 1, false, false, "1"},
+                {named, 3, false, true, "3"},
+                {Double(-1, 1, 1), -0.9, false, false, "0"},
+                {Double(0, 1, 1), 0.9, false, true, "0"},
+                {Double(0, 1, 0.01), 0.995001, false, true, "1.00"},
+                {Double(0, 10, 0.1, 2.0), 0.5, true, true, "2.5"},
+                {negated, -1.5, false, true, "1.50"}};
+  for (const auto& c : kCases)
+    EXPECT_EQ(Display(c.param, c.value, c.normalized, c.withText), c.text) << c.value;
+  EXPECT_STREQ(named.GetLabelForHost(), "") << "a named state has no unit";
+  EXPECT_STREQ(negated.GetLabelForHost(), "unit");
+  int value = 0;
+  EXPECT_TRUE(named.MapDisplayText("later", &value));
+  EXPECT_EQ(value, 1);
+  EXPECT_FALSE(named.MapDisplayText("On", &value));
+  EXPECT_STREQ(named.GetDisplayTextAtIdx(2, &value), "later");
+  for (const int idx : {-1, 4}) EXPECT_STREQ(named.GetDisplayTextAtIdx(idx), "");
 }
 
 TEST(IParam, LongTextIsCutWithItsEndMark) {
   const std::string longName(40, 'n');
+  const std::string cut(31, 'n');
   IParam param;
   param.InitDouble(longName.c_str(), 0, 0, 1e30, 0.01, longName.c_str(), longName.c_str());
   param.SetDisplayText(7, longName.c_str());
-  const std::string cut(31, 'n');
-  EXPECT_EQ(param.GetNameForHost(), cut);
-  EXPECT_EQ(param.GetLabelForHost(), cut);
-  EXPECT_EQ(param.GetParamGroupForHost(), cut);
+  for (const std::string text : {param.GetNameForHost(), param.GetLabelForHost(),
+                                 param.GetParamGroupForHost(), param.GetDisplayText(7)})
+    EXPECT_EQ(text, cut);
   EXPECT_EQ(Display(param, 7.0), cut);
   EXPECT_EQ(Display(param, 1e300).size(), 31U);
 }
