@@ -63,7 +63,7 @@ TEST_F(EditorMouseTest, ADoubleClickRestoresTheDefaultWithoutAnOpenEdit) {
   mUser.ReleaseKey(kShiftKey);
   ASSERT_TRUE(Eventually([&] { return std::abs(Value(kLevel) - 27.0) < 1e-6; })) << Value(kLevel);
   // The second release ends nothing; the third press is a double click again.
-  for (int i = 0; i < 3; ++i) mUser.Click();
+  mUser.Click(1, 3);
   Point(195, 15);
   const Entries entries = Notes().UpTo("over 195 15");
   ExpectBalancedEdits(entries);

@@ -77,8 +77,7 @@ TEST_F(TextEntryTest, CaretAndSelectionFollowKeysAndMouse) {
   Commit(47.0);
   // A press puts the caret, a second one takes the whole number.
   OpenField();
-  mUser.Click();
-  mUser.Click();
+  mUser.Click(1, 2);
   mUser.Type("8");
   Commit(8.0);
   // A press left of the text, a drag or a press with shift to its right end.

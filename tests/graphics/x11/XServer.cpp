@@ -122,9 +122,13 @@ bool XUser::CanGrab() {
   return granted;
 }
 
-void XUser::Fake(uint8_t type, int detail, int x, int y) {
+void XUser::Input(uint8_t type, int detail, int x, int y) {
   xcb_test_fake_input(Get(), type, static_cast<uint8_t>(detail), XCB_CURRENT_TIME, Screen().root,
                       static_cast<int16_t>(x), static_cast<int16_t>(y), 0);
+}
+
+void XUser::Fake(uint8_t type, int detail, int x, int y) {
+  Input(type, detail, x, y);
   Sync();
 }
 
@@ -133,14 +137,12 @@ X11Point XUser::Pointer() {
   return {place->root_x, place->root_y};
 }
 
-void XUser::Click(int button) {
-  Press(button);
-  Release(button);
+void XUser::Click(int button, int times) {
+  for (int i = 0; i < 2 * times; ++i) Input(i % 2 ? XCB_BUTTON_RELEASE : XCB_BUTTON_PRESS, button);
+  Sync();
 }
 
-void XUser::Wheel(int distance) {
-  for (int i = 0; i < std::abs(distance); ++i) Click(distance > 0 ? 4 : 5);
-}
+void XUser::Wheel(int distance) { Click(distance > 0 ? 4 : 5, std::abs(distance)); }
 
 xcb_keycode_t XUser::CodeOf(xcb_keysym_t symbol, bool* shifted) {
   const int first = mConnection.Setup()->min_keycode;

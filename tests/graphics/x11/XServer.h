@@ -80,7 +80,7 @@ class XUser {
   void MoveTo(int x, int y) { Fake(XCB_MOTION_NOTIFY, 0, x, y); }
   void Press(int button) { Fake(XCB_BUTTON_PRESS, button); }
   void Release(int button) { Fake(XCB_BUTTON_RELEASE, button); }
-  void Click(int button = 1);
+  void Click(int button = 1, int times = 1);  // quickly enough for double clicks
   void Wheel(int distance);
   xcb_keycode_t CodeOf(xcb_keysym_t symbol, bool* shifted = nullptr);
   void HoldKey(xcb_keysym_t symbol) { Fake(XCB_KEY_PRESS, CodeOf(symbol)); }
@@ -101,6 +101,7 @@ class XUser {
   std::string Text(xcb_window_t window, xcb_atom_t name);  // "" for none
 
  private:
+  void Input(uint8_t type, int detail, int x = 0, int y = 0);
   void Fake(uint8_t type, int detail, int x = 0, int y = 0);
 
   X11Connection mConnection;
