@@ -49,6 +49,13 @@ std::string WithoutDot(std::string text) {
   return text;
 }
 
+// What a container of another kind can take over: no encoding that belongs to one.
+bool IsPlain(int subtype) {
+  const auto is = [=](const Depth& depth) { return subtype == depth.subtype; };
+  return subtype == SF_FORMAT_PCM_U8 || subtype == SF_FORMAT_PCM_S8 ||
+         std::any_of(std::begin(kDepths), std::end(kDepths), is);
+}
+
 // Samples of these formats are integers, or are made from integers.
 int BitsOf(int format) {
   switch (format & SF_FORMAT_SUBMASK) {
@@ -58,6 +65,7 @@ int BitsOf(int format) {
     case SF_FORMAT_OPUS: return 0;
     case SF_FORMAT_PCM_S8:
     case SF_FORMAT_PCM_U8: return 8;
+    case SF_FORMAT_ALAC_20: return 20;
     case SF_FORMAT_PCM_24:
     case SF_FORMAT_ALAC_24: return 24;
     case SF_FORMAT_PCM_32:
@@ -128,11 +136,13 @@ int ChooseFormat(int input, const std::string& output, const std::string& depth,
   const bool sameContainer = container == (input & SF_FORMAT_TYPEMASK);
   if (sameContainer && depth.empty() && CanWrite(input, channels, rate)) return input;
 
-  std::vector<int> subtypes = {input & SF_FORMAT_SUBMASK, SF_FORMAT_PCM_24, SF_FORMAT_VORBIS};
+  std::vector<int> subtypes = {SF_FORMAT_PCM_24, SF_FORMAT_VORBIS};
+  const int subtype = input & SF_FORMAT_SUBMASK;
+  if (IsPlain(subtype)) subtypes.insert(subtypes.begin(), subtype);
   for (const Depth& known : kDepths)
     if (depth == known.name) subtypes = {known.subtype};
-  for (const int subtype : subtypes)
-    if (CanWrite(container | subtype, channels, rate)) return container | subtype;
+  for (const int known : subtypes)
+    if (CanWrite(container | known, channels, rate)) return container | known;
   const std::string of = depth.empty() ? "" : " with depth " + depth;
   throw Failure(ExitCode::Output, "cannot write " + output + of + ": the format has no such depth");
 }

@@ -61,6 +61,9 @@ TEST_F(RenderTest, PassesEverySampleUnchangedAndUndelayedInEveryFormat) {
 
 TEST_F(RenderTest, TakesTheContainerFromTheNameAndTheDepthFromTheInputOrTheUser) {
   Write("in.wav", NoiseSound(1, 44100, 100, kWavFloat));
+  Write("in.mp3", NoiseSound(1, 44100, 5000, SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III));
+  Works({"render", "in.mp3", "mp3.wav"});
+  EXPECT_EQ(Read("mp3.wav").format, SF_FORMAT_WAV | SF_FORMAT_PCM_24);
   struct Case {
     const char* out;
     Words extra;
