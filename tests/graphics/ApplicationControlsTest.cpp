@@ -69,17 +69,18 @@ TEST_F(ApplicationControls, ADialSwellsUnderTheMouseAndSettlesWhenItLeaves) {
 }
 
 TEST_F(ApplicationControls, ADialWritesItsValueInItsMiddleUnlessItHasAFilmstrip) {
-  auto* knob = Attach<ICircleKnobMultiControlText>(kLevel, 60, 50, 31, kText, kAmber);
+  auto* knob = Attach<ICircleKnobMultiControlText>(kCount, 60, 50, 31, kText, kAmber);
   Show();
   EXPECT_TRUE(knob->Draw(graphics));
-  EXPECT_EQ(graphics->lastText, "0.25");
+  EXPECT_EQ(graphics->lastText, "4");
   EXPECT_EQ(graphics->lastTextRect, IRECT(29, 43, 91, 61)) << "50 - 9 * 12 / 17 is 43.6";
   ICircleKnobMultiControlText nameless(&plug, -1, 60, 50, 31, kText, kAmber);
   EXPECT_FALSE(nameless.Draw(graphics)) << "there is nothing to write";
   knob->SetBitmap(FramesOf(10, 10, {kColorRed, kColorGreen, kColorBlue}), {55, 40, 65, 50});
   knob->SetDrawDot(false);
   knob->SetDrawCircle(true);
-  SetLevel(1.0);
+  graphics->SetParameterFromPlug(kCount, 1.0, true);
+  Settle();
   EXPECT_EQ(graphics->BoundsOf(kBlue), IRECT(55, 40, 65, 50));
   EXPECT_EQ(graphics->CountOf(kColorWhite.Pixel()), 0);
   EXPECT_EQ(graphics->BoundsOf(kAmber.Pixel()), knob->GetRECT());
@@ -147,6 +148,16 @@ TEST_F(ApplicationControls, AChoiceInAPopUpIsPushedAndSoIsTheLackOfOne) {
   EXPECT_EQ(callsFor(nullptr, 0), onlyPushed);
   EXPECT_EQ(callsFor(&sizes->GetAuxMenu(), 0), onlyPushed);
   EXPECT_TRUE(sizes->GetAuxMenu().IsItemChecked(0)) << "the other menu only checks its choice";
+
+  IComputeModePopupMenu modes(&plug, IRECT(10, 40, 90, 60), kOnOff);
+  INormModePopupMenu norms(&plug, IRECT(10, 40, 90, 60), kOnOff);
+  for (IPopupMenuControl* control :
+       {static_cast<IPopupMenuControl*>(&modes), static_cast<IPopupMenuControl*>(&norms)}) {
+    control->GetMainMenu().SetChosenItemIdx(1);
+    graphics->chooseItem = [](IPopupMenu* menu) { return menu; };
+    control->OnMouseDown(0, 0, &left);
+    EXPECT_EQ(control->GetValue(), 1.0);
+  }
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Which controls a frame draws, and which pixels it may change.
+#include "graphics/IControls.h"
 #include "graphics/ITextControls.h"
 #include "tests/graphics/Fixture.h"
 #include "tests/support/AllocationGuard.h"
@@ -71,9 +72,11 @@ TEST_F(Frame, PartialFramesLeaveThePictureOfAWholeOne) {
   // Texts that stand out of their rectangles, one over the other.
   auto* text = Attach<ITextControl>(IRECT(60, 40, 70, 54), IText(14, kColorRed), "a long text");
   Attach<ITextControl>(IRECT(90, 45, 95, 54), IText(14, kColorGreen), "neighbour");
+  Attach<IBitmapControl>(150, 10, -1, FramesOf(20, 20, {kColorBlue}));
   Show();
   for (const bool strict : {true, false}) {
     graphics->SetStrictDrawing(strict);
+    EXPECT_TRUE(graphics->Tick());
     for (const char* words : {"short", "", "a much longer text"}) {
       text->SetTextFromPlug(words);
       for (int i = 0; i < 3; ++i) {

@@ -158,6 +158,36 @@ TEST_F(Resources, TextIsMeasuredAndDrawnWhereItsAlignmentPutsIt) {
   }
 }
 
+TEST_F(Resources, StylesGiveWeightSlantTurnAndBlackAndWhite) {
+  graphics->AttachPanelBackground(&kColorBlack);
+  Show();
+  // Sum of all red, and how many pixels lie between black and full.
+  const auto inkOf = [this](int style, int orientation, int quality) {
+    graphics->DrawEverything();
+    static int size = 30;  // the cache does not tell qualities apart
+    IText text(quality ? ++size : 30, kColorRed, nullptr, style, IText::kAlignNear, orientation,
+               quality);
+    IRECT rect(5, 5, 195, 95);
+    graphics->DrawIText(&text, "Hall", &rect);
+    int sum = 0, between = 0;
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+      const int red = graphics->GetPoint(i % kWidth, i / kWidth).R;
+      sum += red;
+      between += red > 0 && red < 255;
+    }
+    return std::pair(sum, between);
+  };
+  const auto plain = inkOf(IText::kStyleNormal, 0, 0);
+  EXPECT_GT(plain.second, 20);
+  EXPECT_GT(inkOf(IText::kStyleBold, 0, 0).first, plain.first * 5 / 4);
+  EXPECT_NE(inkOf(IText::kStyleItalic, 0, 0), plain);
+  EXPECT_NE(inkOf(IText::kStyleNormal, 90, 0), plain);
+  for (const auto& [quality, smooth] :
+       {std::pair(1, false), std::pair(2, true), std::pair(3, true), std::pair(4, false)}) {
+    EXPECT_EQ(inkOf(IText::kStyleNormal, 0, quality).second > 0, smooth) << quality;
+  }
+}
+
 TEST_F(Resources, TheOffscreenPlatformKnowsItsPathsAndDeclinesEveryQuestion) {
   IGraphicsOffscreen::SetResourceFolder("");
   const fs::path program = fs::read_symlink("/proc/self/exe");

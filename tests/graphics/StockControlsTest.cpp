@@ -33,7 +33,7 @@ TEST_F(StockControls, SwitchesStepThroughTheirFramesAndWrap) {
   auto* three = Attach<ISwitchControl>(0, 0, kColour, strip);
   auto* one = Attach<ISwitchControl>(20, 0, -1, FramesOf(10, 10, {kColorRed}));
   auto* toggle = Attach<IInvisibleSwitchControl>(IRECT(40, 0, 50, 10), kOnOff);
-  auto* contact = Attach<IContactControl>(60, 0, -1, strip);
+  auto* contact = Attach<IContactControl>(60, 0, kCount, strip);
   EXPECT_EQ(three->GetRECT(), IRECT(0, 0, 10, 10)) << "one frame, not the strip";
   EXPECT_EQ(three->GetBlend().mMethod, IChannelBlend::kBlendClobber);
   EXPECT_EQ(contact->GetBlend().mMethod, IChannelBlend::kBlendNone);
@@ -53,10 +53,13 @@ TEST_F(StockControls, SwitchesStepThroughTheirFramesAndWrap) {
     Click(45, 5);
     EXPECT_EQ(toggle->GetValue(), value);
   }
+  plug.TakeCalls();
   graphics->OnMouseDown(65, 5, &left);
-  EXPECT_EQ(contact->GetValue(), 0.5);
+  EXPECT_EQ(contact->GetValue(), 0.9);
   graphics->OnMouseUp(65, 5, &left);
-  EXPECT_EQ(contact->GetValue(), 0.0) << "it falls back";
+  EXPECT_EQ(plug.TakeCalls(),
+            (Calls{"set 1 0.900", "changed 1", "begin 1", "set 1 0.000", "changed 1", "end 1"}))
+      << "it falls back";
 }
 
 TEST_F(StockControls, RadioButtonsSpreadOverTheirRectangle) {
@@ -65,13 +68,15 @@ TEST_F(StockControls, RadioButtonsSpreadOverTheirRectangle) {
   // Three buttons of 10 in 61: the free 31 leave gaps of 15, and the odd pixel at the far end.
   auto* across = Attach<IRadioButtonsControl>(wide, kColour, 3, button, kHorizontal);
   IRadioButtonsControl reverse(&plug, wide, kColour, 3, button, kHorizontal, true);
-  IRadioButtonsControl down(&plug, {0, 0, 10, 30}, kColour, 2, button, kVertical);
+  IRadioButtonsControl down(&plug, {0, 0, 10, 30}, -1, 2, button, kVertical);
   using Buttons = std::vector<IRECT>;
   EXPECT_EQ(across->GetButtonRECTs(),
             (Buttons{{10, 20, 20, 28}, {35, 20, 45, 28}, {60, 20, 70, 28}}));
   EXPECT_EQ(reverse.GetButtonRECTs(),
             (Buttons{{61, 20, 71, 28}, {36, 20, 46, 28}, {11, 20, 21, 28}}));
   EXPECT_EQ(down.GetButtonRECTs(), (Buttons{{0, 0, 10, 8}, {0, 22, 10, 30}}));
+  down.OnMouseDown(5, 25, &left);
+  EXPECT_EQ(down.GetValue(), 1.0);
   Show();
   EXPECT_EQ(graphics->BoundsOf(kGreen), IRECT(35, 20, 45, 28)) << "the default is the middle";
   for (const int x : {65, 25}) {
@@ -95,7 +100,7 @@ TEST_F(StockControls, FaderHandlesFollowTheMouseUpAndRightWithinTheirTrack) {
   graphics->OnMouseDown(15, 25, &left);
   EXPECT_DOUBLE_EQ(vertical->GetValue(), 1.0 - (25 - 5) / 80.0);
   graphics->OnMouseDrag(15, -300, &left);
-  EXPECT_EQ(vertical->GetValue(), 1.0);
+  EXPECT_EQ(plug.GetParam(kLevel)->Value(), 1.0);
   plug.TakeCalls();
   graphics->OnMouseDown(130, 25, &left);
   EXPECT_EQ(plug.TakeCalls(), Calls()) << "only the handle takes a press";
@@ -115,7 +120,7 @@ TEST_F(StockControls, KnobsTurnByDragsOverTheirGearing) {
   EXPECT_DOUBLE_EQ(up.GetValue(), 1.0 / 6.0);
   up.OnMouseDrag(0, 0, 0, -60, &shifted);
   EXPECT_DOUBLE_EQ(up.GetValue(), 1.0 / 6.0 + 1.0 / 60.0);
-  IKnobMultiControl across(&plug, 0, 0, -1, FramesOf(40, 60, kThree), kHorizontal, 2.0);
+  IKnobMultiControl across(&plug, 10, 0, -1, FramesOf(40, 60, kThree), kHorizontal, 2.0);
   across.OnMouseDrag(0, 0, 20, 5, &left);
   EXPECT_DOUBLE_EQ(across.GetValue(), 0.5 / 2.0);
 }
@@ -131,11 +136,12 @@ TEST_F(StockControls, EachKindOfKnobShowsItsValue) {
   LICE_FillRect(static_cast<LICE_IBitmap*>(top.mData), 8, 8, 4, 4, kBlue);
   Attach<IKnobRotaterControl>(40, 20, kLevel, picture, 0.0, std::numbers::pi);
   Attach<IKnobRotatingMaskControl>(80, 20, kLevel, base, mask, top, 0.0, std::numbers::pi);
-  Attach<IKnobLineControl>(IRECT(110, 10, 150, 50), kLevel, kColorWhite, 5.0, 0.0,
-                           0.5 * std::numbers::pi, -0.5 * std::numbers::pi);
+  // Half the width long by default, from upright to a quarter to the left.
+  Attach<IKnobLineControl>(IRECT(110, 10, 150, 50), kLevel, kColorWhite, 5.0, 0.0, 0.0,
+                           -0.5 * std::numbers::pi);
   Show();
-  for (const auto& [value, strip, upper, tip] :
-       {std::tuple(0.0, kRed, kRed, 148), std::tuple(1.0, kBlue, kGreen, 112)}) {
+  for (const auto& [value, strip, upper, dx, dy] :
+       {std::tuple(0.0, kRed, kRed, 0, -1), std::tuple(1.0, kBlue, kGreen, -1, 0)}) {
     SetLevel(value);
     EXPECT_EQ(graphics->PixelAt(5, 5), strip);
     EXPECT_EQ(graphics->PixelAt(50, 23), upper);
@@ -143,9 +149,9 @@ TEST_F(StockControls, EachKindOfKnobShowsItsValue) {
     EXPECT_EQ(graphics->PixelAt(90, lit), kColorYellow.Pixel()) << "the mask adds its light";
     EXPECT_EQ(graphics->PixelAt(90, 60 - lit), kRed) << "the base does not turn";
     EXPECT_EQ(graphics->PixelAt(90, 30), kBlue) << "the top covers both";
-    EXPECT_GT(graphics->GetPoint(tip, 30).G, 100) << "the line goes half the width by default";
-    EXPECT_EQ(graphics->GetPoint(260 - tip, 30).G, 0);
-    EXPECT_EQ(graphics->GetPoint(130, 30).G, 0) << "it begins at the inner radius";
+    for (const int r : {2, 8, 19, 22}) {
+      EXPECT_EQ(graphics->GetPoint(130 + r * dx, 30 + r * dy).G > 100, r == 8 || r == 19) << r;
+    }
   }
 }
 
@@ -219,6 +225,10 @@ TEST_F(StockControls, AFileSelectorStoresTheChoiceAndTellsThePlugin) {
   EXPECT_STREQ(file.Get(), "/chosen/a.wav");
   EXPECT_EQ(graphics->CountOf(kRed), 0) << "the picture shows only while the dialog is open";
   EXPECT_FALSE(graphics->Tick());
+  selector->OnMouseDown(5, 5, &left);
+  selector->SetClean();
+  EXPECT_TRUE(selector->IsDirty()) << "once more after a choice";
+  EXPECT_FALSE(selector->IsDirty());
 }
 
 }  // namespace

@@ -48,25 +48,25 @@ TEST_F(ValueFlow, RealValuesAreNormalisedAndAuxiliaryParametersFollow) {
 }
 
 TEST_F(ValueFlow, AChangeByTheUserIsClampedPushedOnceAndShownByLinkedTexts) {
-  auto* level = Attach<ProbeControl>(IRECT(0, 0, 10, 10), kLevel);
+  auto* count = Attach<ProbeControl>(IRECT(0, 0, 10, 10), kCount);
   auto* value = Attach<ITextControl>(IRECT(10, 0, 50, 10), IText());
   auto* name = Attach<ITextControl>(IRECT(50, 0, 90, 10), IText());
-  level->SetValDisplayControl(value);
-  level->SetNameDisplayControl(name);
+  count->SetValDisplayControl(value);
+  count->SetNameDisplayControl(name);
   Show();
-  graphics->ClampControl(kLevel, 0.2, 0.6, false);
-  level->SetValueFromUserInput(0.9);
-  EXPECT_EQ(level->GetValue(), 0.6);
-  EXPECT_EQ(plug.TakeCalls(), (Calls{"set 0 0.600", "changed 0"}));
-  EXPECT_STREQ(value->GetTextString(), "0.60");
-  EXPECT_STREQ(name->GetTextString(), "Level");
-  level->SetValueFromUserInput(0.6);
+  graphics->ClampControl(kCount, 2.0, 6.0, false);
+  count->SetValueFromUserInput(0.9);
+  EXPECT_EQ(count->GetValue(), 0.6);
+  EXPECT_EQ(plug.TakeCalls(), (Calls{"set 1 0.600", "changed 1"}));
+  EXPECT_STREQ(value->GetTextString(), "6");
+  EXPECT_STREQ(name->GetTextString(), "Count");
+  count->SetValueFromUserInput(0.6);
   EXPECT_EQ(plug.TakeCalls(), Calls());
   Settle();
-  value->SetTextFromPlug("0.60");
+  value->SetTextFromPlug("6");
   EXPECT_FALSE(value->IsDirty());
-  level->SetValueFromUserInput(0.0);
-  EXPECT_EQ(level->GetValue(), 0.2);
+  count->SetValueFromUserInput(0.0);
+  EXPECT_EQ(count->GetValue(), 0.2);
   EXPECT_TRUE(value->IsDirty());
 }
 
