@@ -124,7 +124,8 @@ TYPED_TEST(ProcessEntries, ADisconnectedInputIsSilentAndTakesNoHostPointer) {
   Blocks<TypeParam>& b = this->mBlocks;
   RunBlock(this->mRig.effect, b, 8);  // leaves its sound in the buffers
   this->mRig.plug->SetInputChannelConnections(0, 1, false);
-  for (const int blockSize : {1024, 4}) {  // the second moves the buffer that the channel reads
+  for (const int blockSize :
+       {1024, 100000}) {  // the second moves the buffer that the channel reads
     this->mRig.Dispatch(effSetBlockSize, 0, blockSize);
     RunBlock(this->mRig.effect, b, 8);
     EXPECT_EQ(b.out[0], b.silence);

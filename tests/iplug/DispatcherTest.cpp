@@ -140,21 +140,19 @@ TEST(Dispatcher, ProgramNamesAreKeptShortEnoughForTheHost) {
 }
 
 TEST(Dispatcher, CanDo) {
-  const struct {
-    const char* query;
-    VstIntPtr plain, midi;
-  } kCases[] = {{"receiveVstTimeInfo", 1, 1},
-                {"sendVstEvents", 0, 1},
-                {"sendVstMidiEvent", 0, 1},
-                {"receiveVstEvents", 0, 1},
-                {"receiveVstMidiEvent", 0, 1},
-                {"hasCockosExtensions", 0xBEEF0000, 0xBEEF0000},
-                {"hasCockosViewAsConfig", 0xBEEF0000, 0xBEEF0000},
-                {"bypass", 0, 0}};
-  for (const auto& c : kCases) {
-    std::string query = c.query;
-    EXPECT_EQ(Rig().Dispatch(effCanDo, 0, 0, query.data()), c.plain) << query;
-    EXPECT_EQ(Rig({.midi = true}).Dispatch(effCanDo, 0, 0, query.data()), c.midi) << query;
+  const VstIntPtr extension = 0xBEEF0000;
+  for (const auto& [query, plain, midi] :
+       {std::tuple{"receiveVstTimeInfo", VstIntPtr{1}, VstIntPtr{1}},
+        {"sendVstEvents", 0, 1},
+        {"sendVstMidiEvent", 0, 1},
+        {"receiveVstEvents", 0, 1},
+        {"receiveVstMidiEvent", 0, 1},
+        {"hasCockosExtensions", extension, extension},
+        {"hasCockosViewAsConfig", extension, extension},
+        {"bypass", 0, 0}}) {
+    std::string text = query;
+    EXPECT_EQ(Rig().Dispatch(effCanDo, 0, 0, text.data()), plain) << query;
+    EXPECT_EQ(Rig({.midi = true}).Dispatch(effCanDo, 0, 0, text.data()), midi) << query;
   }
 }
 

@@ -11,23 +11,20 @@
 namespace {
 
 TEST(Hosts, TheFirstTextInTheStringDecides) {
-  const struct {
-    const char* product;
-    int code;
-  } kCases[] = {{"REAPER", 1},
-                {"", 0},
-                {"Steinberg Cubase", 3},
-                {"NuEndo", 4},
-                {"Live Reaper", 1},
-                {"Olive", 9},
-                {"Fruity Live", 7},
-                {"Logic Pro", 21},
-                {"VST3PluginTestHost", 27},
-                {"Ardour", 28},
-                {"Ardour Live", 9},
-                {"Nothing known", 0},
-                {nullptr, 0}};
-  for (const auto& c : kCases) EXPECT_EQ(LookUpHost(c.product), c.code) << c.product;
+  for (const auto& [product, code] : {std::pair{"REAPER", 1},
+                                      {"", 0},
+                                      {"Steinberg Cubase", 3},
+                                      {"NuEndo", 4},
+                                      {"Live Reaper", 1},
+                                      {"Olive", 9},
+                                      {"Fruity Live", 7},
+                                      {"Logic Pro", 21},
+                                      {"VST3PluginTestHost", 27},
+                                      {"Ardour", 28},
+                                      {"Ardour Live", 9},
+                                      {"Nothing known", 0}})
+    EXPECT_EQ(LookUpHost(product), code) << product;
+  EXPECT_EQ(LookUpHost(nullptr), 0);
 }
 
 TEST(Hosts, CodesWithoutATextAreUnknownButOne) {
@@ -104,15 +101,15 @@ TEST(HostServices, NoticesCarryTheirParameter) {
   Rig rig;
   rig.plug->BeginInformHostOfParamChange(3);
   rig.plug->EndInformHostOfParamChange(4);
-  EXPECT_EQ(rig.host.calls[0].opcode, audioMasterBeginEdit);
-  EXPECT_EQ(rig.host.calls[0].index, 3);
-  EXPECT_EQ(rig.host.calls[1].opcode, audioMasterEndEdit);
-  EXPECT_EQ(rig.host.calls[1].index, 4);
-  rig.host.calls.clear();
   rig.plug->DirtyParameters();
-  ASSERT_EQ(rig.host.calls.size(), static_cast<std::size_t>(kNumTestParams));
-  EXPECT_EQ(rig.host.calls[kTapered].opt, 0.5F);
-  EXPECT_TRUE(rig.host.calls[0].locked);
+  ASSERT_EQ(rig.host.calls.size(), 2U + kNumTestParams);
+  const HostCall* call = rig.host.calls.data();
+  for (const auto& [opcode, index] : {std::pair{43, 3}, {44, 4}, {0, 0}, {0, 1}}) {
+    EXPECT_EQ(call->opcode, opcode);
+    EXPECT_EQ(call++->index, index);
+  }
+  EXPECT_EQ(call->opt, 1.0F) << "kSwitch";
+  EXPECT_TRUE(call->locked);
 }
 
 // Position, tempo, numerator and denominator, by the calls for each.
@@ -155,19 +152,13 @@ std::vector<double> Told(const VstTimeInfo& time, bool answers = true) {
   Rig rig;
   rig.host.time = time;
   if (!answers) rig.host.answers.clear();
-  ITimeInfo info{-9, -9, -9, -9, -9, -9, -9, -9, false, false};
-  rig.plug->GetTime(&info);
+  ITimeInfo t{-9, -9, -9, -9, -9, -9, -9, -9, false, false};
+  rig.plug->GetTime(&t);
   EXPECT_EQ(rig.host.calls.back().value, 15872);
-  const double transport = info.mTransportIsRunning * 2.0 + info.mTransportLoopEnabled;
-  return {info.mTempo,
-          info.mSamplePos,
-          info.mPPQPos,
-          info.mLastBar,
-          info.mCycleStart,
-          info.mCycleEnd,
-          double(info.mNumerator),
-          double(info.mDenominator),
-          transport};
+  std::vector<double> told = {t.mTempo, t.mSamplePos, t.mPPQPos, t.mLastBar, t.mCycleStart};
+  told.insert(told.end(), {t.mCycleEnd, double(t.mNumerator), double(t.mDenominator)});
+  told.push_back(t.mTransportIsRunning * 2.0 + t.mTransportLoopEnabled);
+  return told;
 }
 
 TEST(HostServices, TimeTakesOnlyWhatTheHostTellsAsValid) {
@@ -186,28 +177,32 @@ TEST(HostServices, TimeTakesOnlyWhatTheHostTellsAsValid) {
   EXPECT_EQ(Told(senseless), (Values{-9, 1000, -9, -9, -9, -9, -9, -9, 0}));
 }
 
+// The event that the host got.
+template <typename Event>
+Event Sent(const FakeHost& host) {
+  Event event{};
+  EXPECT_EQ(host.eventBytes.size(), sizeof event);
+  std::memcpy(&event, host.eventBytes.data(), std::min(sizeof event, host.eventBytes.size()));
+  return event;
+}
+
 TEST(HostServices, EventsGoOutInTheHostsRecords) {
   Rig rig;
-  rig.host.answers[audioMasterProcessEvents] = 1;
   IMidiMsg msg{5, 0x90, 60, 100};
-  EXPECT_TRUE(rig.plug->SendMidiMsg(&msg));
-  VstMidiEvent midi;
-  ASSERT_EQ(rig.host.eventBytes.size(), sizeof midi);
-  std::memcpy(&midi, rig.host.eventBytes.data(), sizeof midi);
+  EXPECT_FALSE(rig.plug->SendMidiMsg(&msg));
+  const auto midi = Sent<VstMidiEvent>(rig.host);
   EXPECT_EQ(midi.type, kVstMidiType);
   EXPECT_EQ(midi.deltaFrames, 5);
   EXPECT_EQ(std::memcmp(midi.midiData, "\x90\x3C\x64\0", 4), 0);
   const std::uint8_t data[] = {0xF0, 1, 0xF7};
-  ISysEx sysex{9, 3, data};
-  rig.host.answers[audioMasterProcessEvents] = 0;
-  EXPECT_FALSE(rig.plug->SendSysEx(&sysex));
-  VstMidiSysexEvent out;
-  ASSERT_EQ(rig.host.eventBytes.size(), sizeof out);
-  std::memcpy(&out, rig.host.eventBytes.data(), sizeof out);
-  EXPECT_EQ(out.type, kVstSysExType);
-  EXPECT_EQ(out.deltaFrames, 9);
-  EXPECT_EQ(out.dumpBytes, 3);
-  EXPECT_EQ(std::memcmp(out.sysexDump, data, 3), 0);
+  ISysEx msgEx{9, 3, data};
+  rig.host.answers[audioMasterProcessEvents] = 1;
+  EXPECT_TRUE(rig.plug->SendSysEx(&msgEx));
+  const auto sysex = Sent<VstMidiSysexEvent>(rig.host);
+  EXPECT_EQ(sysex.type, kVstSysExType);
+  EXPECT_EQ(sysex.deltaFrames, 9);
+  EXPECT_EQ(sysex.dumpBytes, 3);
+  EXPECT_EQ(std::memcmp(sysex.sysexDump, data, 3), 0);
 }
 
 }  // namespace

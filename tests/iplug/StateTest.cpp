@@ -138,22 +138,21 @@ TEST(State, CompareStateSeesDifferencesOfSinglePrecision) {
 
 TEST(Bank, ARoundTripGivesTheSameNamesAndValues) {
   Rig from;
-  const std::vector<double> first = from.Values();
-  from.plug->MakeDefaultPreset("One");
-  from.plug->MakeDefaultPreset("Two");
+  const std::vector<double> initial = from.Values();
+  for (const char* name : {"One", "Two", "Three"}) from.plug->MakeDefaultPreset(name);
   from.Dispatch(effSetProgram, 0, 1);
   from.SetValues(kValues);  // asking for the bank stores what sounds
   const Bytes bank = from.GetChunk(false);
-  EXPECT_EQ(bank, kHeader + Entry("One", first) + Entry("Two", kValues) + Entry("empty") +
-                      Entry("empty"));
+  EXPECT_EQ(bank, kHeader + Entry("One", initial) + Entry("Two", kValues) +
+                      Entry("Three", initial) + Entry("empty"));
   Rig to;
   to.plug->MakeEmptyPresets();
   to.Dispatch(effSetProgram, 0, 1);
   EXPECT_EQ(to.SetChunk(bank, false), 1);
   EXPECT_EQ(to.plug->GetCurrentPresetIdx(), 1);
   EXPECT_EQ(to.Values(), kValues) << "the current preset is in force";
-  EXPECT_FALSE(to.plug->Preset(2)->mInitialized);
-  EXPECT_EQ(to.plug->Preset(2)->mChunk.Size(), 48) << "an empty slot leaves its chunk alone";
+  EXPECT_FALSE(to.plug->Preset(3)->mInitialized);
+  EXPECT_EQ(to.plug->Preset(3)->mChunk.Size(), 48) << "an empty slot leaves its chunk alone";
   EXPECT_EQ(to.GetChunk(false), bank);
 }
 
