@@ -110,10 +110,10 @@ TEST_F(ModuleEditorTest, OpensAndClosesWhileSoundRunsAndPresetsStorm) {
 // Found without a window manager.
 TEST_F(ModuleEditorTest, TheProgramShowsItAsItsPictureAndEndsWithItsWindow) {
   const std::string file = ::testing::TempDir() + "tolmara-editor.png";
-  ASSERT_EQ(Run({kTool, "screenshot", file, "--preset", "Cathedral"}), 0);
+  ASSERT_EQ(Run({kTool, "screenshot", file, "--preset", "Plate-small"}), 0);
   const auto windows = mUser.ChildrenOf(mUser.Screen().root);
   auto program =
-      ChildProcess::Start({kTool, "editor", "--plugin", kModule, "--preset", "Cathedral"});
+      ChildProcess::Start({kTool, "editor", "--plugin", kModule, "--preset", "Plate-small"});
   ASSERT_TRUE(program);
   ASSERT_TRUE(Eventually([&] {
     const auto now = mUser.ChildrenOf(mUser.Screen().root);

@@ -28,7 +28,7 @@ std::string Line(std::FILE* file) {
 
 bool Eventually(const std::function<bool()>& condition) {
   using namespace std::chrono;
-  const auto end = steady_clock::now() + seconds(30);
+  const auto end = steady_clock::now() + seconds(60);
   while (!condition()) {
     if (steady_clock::now() > end) return false;
     std::this_thread::sleep_for(milliseconds(2));
