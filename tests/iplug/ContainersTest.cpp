@@ -48,24 +48,7 @@ TEST(HeapString, TakesTextThatLiesInItself) {
   EXPECT_TRUE(s.IsEmpty());
 }
 
-TEST(PointerList, KeepsOrderThroughInsertAndDelete) {
-  int items[4];
-  PointerList<int> list;
-  list.Add(&items[1]);
-  list.Insert(0, &items[0]);
-  list.Insert(99, &items[3]);
-  list.Insert(2, &items[2]);
-  EXPECT_EQ(std::vector<int*>(list.begin(), list.end()),
-            (std::vector<int*>{&items[0], &items[1], &items[2], &items[3]}));
-  EXPECT_EQ(list.Get(4), nullptr);
-  EXPECT_EQ(list.Get(-1), nullptr);
-  list.Delete(1);
-  list.Delete(9);
-  EXPECT_EQ(list.Get(1), &items[2]);
-  EXPECT_EQ(list.GetSize(), 3);
-}
-
-TEST(PointerList, OwnedItemsGoFromLastToFirst) {
+TEST(PointerList, KeepsOrderThroughInsertAndDeleteAndGoesFromLastToFirst) {
   struct Item {
     std::string* gone;
     char id;
@@ -74,9 +57,19 @@ TEST(PointerList, OwnedItemsGoFromLastToFirst) {
   std::string gone;
   {
     OwnedPointerList<Item> list;
-    for (const char id : {'a', 'b', 'c'}) list.AddOwned(std::unique_ptr<Item>(new Item{&gone, id}));
+    const auto make = [&](char id) { return new Item{&gone, id}; };
+    list.Add(make('b'));
+    list.Insert(0, make('a'));
+    list.Insert(99, make('d'));
+    list.Insert(2, make('c'));
+    EXPECT_EQ(list.Get(4), nullptr);
+    EXPECT_EQ(list.Get(-1), nullptr);
+    EXPECT_EQ(list.Get(0)->id, 'a');
+    list.Delete(1, true);
+    list.Delete(9, true);
+    EXPECT_EQ(gone, "b");
   }
-  EXPECT_EQ(gone, "cba");
+  EXPECT_EQ(gone, "bdca");
 }
 
 TEST(PlugLock, KeepsOthersOutUntilItIsReleasedAsOftenAsTaken) {

@@ -23,25 +23,22 @@ TEST(Construction, ThePlugInsTraitsStandInItsRecord) {
 }
 
 TEST(Construction, FillsTheSlotsAndNeverThrows) {
-  static int presets;
-  const auto make = [](audioMasterCallback callback) -> IPlugVST* {
-    return new TestPlug(callback, {.presets = presets});
-  };
-  for (const int n : {3, 0}) {
-    presets = n;
-    AEffect* effect = ConstructUnderLock(make, nullptr);
+  for (const bool hasPresets : {true, false}) {
+    AEffect* effect = ConstructUnderLock(
+        hasPresets
+        ? [](audioMasterCallback c) -> IPlugVST* { return new TestPlug(c); }
+        : [](audioMasterCallback c) -> IPlugVST* { return new TestPlug(c, {.presets = 0}); },
+        nullptr);
     ASSERT_NE(effect, nullptr);
-    EXPECT_EQ(effect->numPrograms, std::max(1, n));
+    EXPECT_EQ(effect->numPrograms, hasPresets ? 4 : 1);
     char name[64];
-    effect->dispatcher(effect, effGetProgramNameIndexed, n - 1, 0, name, 0.0F);
-    EXPECT_STREQ(name, n > 0 ? "Empty" : "") << "no slot stays unfilled";
+    effect->dispatcher(effect, effGetProgramNameIndexed, 3, 0, name, 0.0F);
+    EXPECT_STREQ(name, hasPresets ? "Empty" : "") << "no slot stays unfilled";
     effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0.0F);  // without a host to ask
     effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0F);
   }
   const auto fail = [](audioMasterCallback) -> IPlugVST* { throw 1; };
   EXPECT_EQ(ConstructUnderLock(fail, nullptr), nullptr);
-  const auto none = [](audioMasterCallback) -> IPlugVST* { return nullptr; };
-  EXPECT_EQ(ConstructUnderLock(none, nullptr), nullptr);
 }
 
 TEST(Dispatcher, LifeRunsInTheToldOrder) {
@@ -140,20 +137,20 @@ TEST(Dispatcher, ProgramNamesAreKeptShortEnoughForTheHost) {
 }
 
 TEST(Dispatcher, CanDo) {
-  const VstIntPtr extension = 0xBEEF0000;
-  for (const auto& [query, plain, midi] :
-       {std::tuple{"receiveVstTimeInfo", VstIntPtr{1}, VstIntPtr{1}},
-        {"sendVstEvents", 0, 1},
-        {"sendVstMidiEvent", 0, 1},
-        {"receiveVstEvents", 0, 1},
-        {"receiveVstMidiEvent", 0, 1},
-        {"hasCockosExtensions", extension, extension},
-        {"hasCockosViewAsConfig", extension, extension},
-        {"bypass", 0, 0}}) {
-    std::string text = query;
-    EXPECT_EQ(Rig().Dispatch(effCanDo, 0, 0, text.data()), plain) << query;
-    EXPECT_EQ(Rig({.midi = true}).Dispatch(effCanDo, 0, 0, text.data()), midi) << query;
+  Rig plain;
+  Rig midi({.midi = true});
+  const auto ask = [](Rig& rig, std::string query) {
+    return rig.Dispatch(effCanDo, 0, 0, query.data());
+  };
+  for (const char* query :
+       {"sendVstEvents", "sendVstMidiEvent", "receiveVstEvents", "receiveVstMidiEvent"}) {
+    EXPECT_EQ(ask(plain, query), 0) << query;
+    EXPECT_EQ(ask(midi, query), 1) << query;
   }
+  EXPECT_EQ(ask(plain, "receiveVstTimeInfo"), 1);
+  EXPECT_EQ(ask(plain, "hasCockosExtensions"), 0xBEEF0000);
+  EXPECT_EQ(ask(plain, "hasCockosViewAsConfig"), 0xBEEF0000);
+  EXPECT_EQ(ask(midi, "bypass"), 0);
 }
 
 TEST(Dispatcher, TextSetsAParameter) {
@@ -195,42 +192,42 @@ TEST(Dispatcher, ParameterCallsCheckTheirIndexAndAnnounceTheValue) {
 TEST(Dispatcher, PinsTellPairsAndLabels) {
   Rig rig({.channelIO = "3-2"});
   rig.plug->SetInputLabel(1, "Side");
-  const struct {
-    int opcode, index;
-    VstIntPtr result;
-    const char* label;
-    int flags;
-  } kCases[] = {{effGetInputProperties, 0, 1, "Input 1", kVstPinIsActive | kVstPinIsStereo},
-                {effGetInputProperties, 1, 1, "Side", kVstPinIsActive},
-                {effGetInputProperties, 2, 1, "Input 3", kVstPinIsActive},
-                {effGetOutputProperties, 0, 1, "Output 1", kVstPinIsActive | kVstPinIsStereo},
-                {effGetOutputProperties, 1, 1, "Output 2", kVstPinIsActive},
-                {effGetInputProperties, 3, 0, "", 0},
-                {effGetOutputProperties, -1, 0, "", 0}};
-  for (const auto& c : kCases) {
-    VstPinProperties pin{};
-    EXPECT_EQ(rig.Dispatch(c.opcode, c.index, 0, &pin), c.result);
-    EXPECT_STREQ(pin.label, c.label);
-    EXPECT_EQ(pin.flags, c.flags) << c.label;
+  std::string told;
+  for (const int opcode : {effGetInputProperties, effGetOutputProperties}) {
+    for (int index = -1; index < 4; ++index) {
+      VstPinProperties pin{};
+      if (rig.Dispatch(opcode, index, 0, &pin) == 0) continue;
+      told += pin.label + std::string(pin.flags & kVstPinIsActive ? " active" : "") +
+              (pin.flags & kVstPinIsStereo ? " pair, " : ", ");
+    }
+    EXPECT_EQ(rig.Dispatch(opcode, 0), 0) << "without a record to fill";
   }
+  EXPECT_EQ(told,
+            "Input 1 active pair, Side active, Input 3 active, "
+            "Output 1 active pair, Output 2 active, ");
 }
 
 TEST(Dispatcher, SpeakerArrangementsConnectTheChannels) {
   Rig rig;
-  VstSpeakerArrangement mono{};
+  VstSpeakerArrangement told{};
+  const auto address = reinterpret_cast<VstIntPtr>(&told);
   for (const int channels : {1, 0, -5, INT_MAX}) {
-    mono.numChannels = channels;
-    EXPECT_EQ(rig.Dispatch(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&mono)), 1);
-    EXPECT_EQ(rig.plug->IsInChannelConnected(0), channels > 0) << channels;
-    EXPECT_EQ(rig.plug->IsInChannelConnected(1), channels > 1) << channels;
-    EXPECT_TRUE(rig.plug->IsOutChannelConnected(1));
+    told.numChannels = channels;
+    EXPECT_EQ(rig.Dispatch(effSetSpeakerArrangement, 0, address, nullptr), 1);
+    EXPECT_TRUE(rig.plug->IsOutChannelConnected(0)) << "nothing said of the outputs";
+    EXPECT_EQ(rig.Dispatch(effSetSpeakerArrangement, 0, 0, &told), 1);
+    for (const int i : {0, 1}) {
+      EXPECT_EQ(rig.plug->IsInChannelConnected(i), channels > i) << channels;
+      EXPECT_EQ(rig.plug->IsOutChannelConnected(i), channels > i) << channels;
+    }
+    told.numChannels = 2;
+    rig.Dispatch(effSetSpeakerArrangement, 0, address, &told);
   }
   Rig wide({.channelIO = "0-3"});
   for (const auto& [plug, inType, outType] : {std::tuple{&rig, 1, 1}, {&wide, -1, -2}}) {
     VstSpeakerArrangement* in = nullptr;
     VstSpeakerArrangement* out = nullptr;
-    EXPECT_EQ(plug->Dispatch(effGetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&in), &out),
-              1);
+    plug->Dispatch(effGetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&in), &out);
     EXPECT_EQ(in->type, inType);
     EXPECT_EQ(out->type, outType);
     EXPECT_EQ(out->numChannels, plug->effect->numOutputs);
@@ -239,29 +236,19 @@ TEST(Dispatcher, SpeakerArrangementsConnectTheChannels) {
 
 TEST(Dispatcher, EventsReachThePlugIn) {
   Rig rig;
-  VstMidiEvent midi{};
-  midi.type = kVstMidiType;
-  midi.deltaFrames = 17;
-  std::memcpy(midi.midiData, "\x90\x3C\x7F", 4);
-  VstMidiSysexEvent sysex{};
-  sysex.type = kVstSysExType;
-  sysex.dumpBytes = 2;
+  VstMidiEvent midi{kVstMidiType, 32, 17, 0, 0, 0, {'\x90', 60, 127}, 0, 0, 0, 0};
   char dump[] = {7, 8};
-  sysex.sysexDump = dump;
-  VstEvents events{2, 0, {reinterpret_cast<VstEvent*>(&midi), reinterpret_cast<VstEvent*>(&sysex)}};
+  VstMidiSysexEvent sysex{kVstSysExType, 48, 0, 0, 2, 0, dump, 0};
+  VstEvents events{2, 0, {nullptr, reinterpret_cast<VstEvent*>(&sysex)}};
   EXPECT_EQ(rig.Dispatch(effProcessEvents, 0, 0, &events), 1);
-  EXPECT_EQ(rig.TakeLog(), "Midi 17 144 60 127 SysEx 0 2 7");
-  events.events[0] = nullptr;
+  events.events[0] = reinterpret_cast<VstEvent*>(&midi);
   sysex.type = 5;
-  for (const int count : {2, -1}) {
-    events.numEvents = count;
-    EXPECT_EQ(rig.Dispatch(effProcessEvents, 0, 0, &events), 1);
-  }
-  EXPECT_EQ(rig.TakeLog(), "");
+  EXPECT_EQ(rig.Dispatch(effProcessEvents, 0, 0, &events), 1);
+  events.numEvents = -1;
+  EXPECT_EQ(rig.Dispatch(effProcessEvents, 0, 0, &events), 1);
+  EXPECT_EQ(rig.TakeLog(), "SysEx 0 2 7 Midi 17 144 60 127");
   for (const int note : {60, 61}) {
-    MidiKeyName key{};
-    key.thisKeyNumber = note;
-    std::strcpy(key.keyName, "untouched");
+    MidiKeyName key{0, note, "untouched", 0, 0};
     EXPECT_EQ(rig.Dispatch(effGetMidiKeyName, 0, 0, &key), note == 60);
     EXPECT_STREQ(key.keyName, note == 60 ? "Middle C" : "");
   }
@@ -310,7 +297,7 @@ TEST(Editor, ControlsFollowTheHostWithNumbersOnly) {
   char text[] = "25";
   rig.Dispatch(effString2Parameter, kTapered, 0, text);
   rig.plug->GetParam(kTapered)->Set(100);
-  rig.plug->RedrawParamControls();
+  EXPECT_EQ(rig.SetChunk(rig.GetChunk(true), true), 1);
   EXPECT_EQ(values, (std::vector<double>{0.5, 0.75, 0.0, 0.5, 1.0}));
 }
 

@@ -11,19 +11,12 @@
 namespace {
 
 TEST(Hosts, TheFirstTextInTheStringDecides) {
-  for (const auto& [product, code] : {std::pair{"REAPER", 1},
-                                      {"", 0},
-                                      {"Steinberg Cubase", 3},
-                                      {"NuEndo", 4},
-                                      {"Live Reaper", 1},
-                                      {"Olive", 9},
-                                      {"Fruity Live", 7},
-                                      {"Logic Pro", 21},
-                                      {"VST3PluginTestHost", 27},
-                                      {"Ardour", 28},
-                                      {"Ardour Live", 9},
-                                      {"Nothing known", 0}})
-    EXPECT_EQ(LookUpHost(product), code) << product;
+  EXPECT_EQ(LookUpHost("REAPER"), 1);
+  EXPECT_EQ(LookUpHost("Live Reaper"), 1);
+  EXPECT_EQ(LookUpHost("Fruity Live"), 7);
+  EXPECT_EQ(LookUpHost("Olive"), 9);
+  EXPECT_EQ(LookUpHost("Ardour Live"), 9);
+  EXPECT_EQ(LookUpHost("Nothing known"), 0);
   EXPECT_EQ(LookUpHost(nullptr), 0);
 }
 

@@ -123,6 +123,7 @@ TEST(PresetFiles, SavedAndLoadedAgainTheySoundTheSameInBothForms) {
     ASSERT_TRUE(from.plug->SaveProgramToFile(program.c_str()));
     ASSERT_TRUE(from.plug->SaveBankToFile(bank.c_str()));
     ASSERT_TRUE(to.plug->LoadProgramFromFile(program.c_str()));
+    EXPECT_EQ(to.TakeLog().find(kAllAnnounced), 0U);
     EXPECT_STREQ(to.plug->GetPresetName(0), "Third");
     EXPECT_EQ(to.host.calls.size(), 1U) << "told that the program is another";
     same();
@@ -143,24 +144,20 @@ TEST(PresetFiles, SavedAndLoadedAgainTheySoundTheSameInBothForms) {
 
 TEST(PresetFiles, ADamagedHeaderIsNamedAndChangesNothing) {
   const Bytes good = Hand().Program("x", kNormalised).bytes;
-  const struct {
-    Bytes bytes;
-    PresetFault fault;
-  } kCases[] = {{Cut(good, 15), PresetFault::kTooShort},
-                {{}, PresetFault::kTooShort},
-                {Cut(good, 26), PresetFault::kTooShort},
-                {With(good, 0, 0), PresetFault::kWrongMagic},
-                {With(good, 8, 0x4678426B), PresetFault::kWrongMagic},
-                {With(good, 8, 0x46504368), PresetFault::kStateChunk},
-                {With(good, 12, 2), PresetFault::kWrongVersion},
-                {With(good, 16, 0x74736554), PresetFault::kOtherPlugin},
-                {With(good, 24, 7), PresetFault::kWrongParamCount}};
-  for (const auto& c : kCases) {
+  for (const auto& [bytes, fault] : {std::pair{Cut(good, 15), PresetFault::kTooShort},
+                                     {Cut(good, 0), PresetFault::kTooShort},
+                                     {Cut(good, 26), PresetFault::kTooShort},
+                                     {With(good, 0, 0), PresetFault::kWrongMagic},
+                                     {With(good, 8, 0x4678426B), PresetFault::kWrongMagic},
+                                     {With(good, 8, 0x46504368), PresetFault::kStateChunk},
+                                     {With(good, 12, 2), PresetFault::kWrongVersion},
+                                     {With(good, 16, 0x74736554), PresetFault::kOtherPlugin},
+                                     {With(good, 24, 7), PresetFault::kWrongParamCount}}) {
     Rig rig;
     const std::vector<double> before = rig.Values();
-    EXPECT_EQ(Parse(c.bytes), c.fault);
-    EXPECT_STRNE(PresetFaultText(c.fault), "");
-    EXPECT_FALSE(ReadProgram(rig, c.bytes)) << PresetFaultText(c.fault);
+    EXPECT_EQ(Parse(bytes), fault);
+    EXPECT_STRNE(PresetFaultText(fault), "");
+    EXPECT_FALSE(ReadProgram(rig, bytes)) << PresetFaultText(fault);
     EXPECT_EQ(rig.Values(), before);
     EXPECT_EQ(rig.TakeLog(), "");
     EXPECT_TRUE(rig.host.calls.empty());

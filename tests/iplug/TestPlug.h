@@ -102,7 +102,7 @@ struct Rig {
   std::vector<std::uint8_t> GetChunk(bool isPreset);
   std::vector<double> Values() const;
   void SetValues(const std::vector<double>& values);
-  testing::AssertionResult InRange() const;  // every parameter
+  bool InRange() const;  // every parameter
 
   FakeHost host;
   std::unique_ptr<TestPlug> plug;
