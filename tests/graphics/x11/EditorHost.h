@@ -50,6 +50,16 @@ class HostTest : public ::testing::Test {
   // Puts the mouse where the editor takes it to be at (x, y) of the canvas.
   void Point(int x, int y) { mUser.MoveTo(kLeft + x + 2, kTop + y + 3); }
   void Point(const IRECT& rect) { Point((rect.L + rect.R) / 2, (rect.T + rect.B) / 2); }
+  template <class... Place>
+  void PressAt(const Place&... place) {
+    Point(place...);
+    mUser.Press(1);
+  }
+  template <class... Place>
+  void ClickAt(const Place&... place) {
+    Point(place...);
+    mUser.Click();
+  }
 
   static VstIntPtr Answer(AEffect* effect, int32_t opcode, int32_t index, VstIntPtr, void*, float);
 

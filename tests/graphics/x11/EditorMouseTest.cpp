@@ -10,8 +10,7 @@ class EditorMouseTest : public EditorHostTest {
 };
 
 TEST_F(EditorMouseTest, ADragIsOneEditWithItsEndOutsideTheWindow) {
-  Point(HostedPlug::kLevelRect);
-  mUser.Press(1);
+  PressAt(HostedPlug::kLevelRect);
   ASSERT_TRUE(Notes().Comes("begin 0"));
   // A second button does not disturb it.
   mUser.Press(3);
@@ -72,15 +71,13 @@ TEST_F(EditorMouseTest, ADoubleClickRestoresTheDefaultWithoutAnOpenEdit) {
 }
 
 TEST_F(EditorMouseTest, AnEditEndsWithTheWindow) {
-  Point(HostedPlug::kCountRect);
-  mUser.Press(1);
+  PressAt(HostedPlug::kCountRect);
   ASSERT_TRUE(Notes().Comes("begin 1"));
   Close();
   EXPECT_EQ(Notes().Take().back(), "end 1");
   mUser.Release(1);
   ASSERT_TRUE(Open());
-  Point(HostedPlug::kLevelRect);
-  mUser.Press(1);
+  PressAt(HostedPlug::kLevelRect);
   ASSERT_TRUE(Notes().Comes("begin 0"));
   Journal journal;  // that outlives the effect
   mEffect->user = &journal;
@@ -91,7 +88,7 @@ TEST_F(EditorMouseTest, AnEditEndsWithTheWindow) {
 TEST_F(EditorMouseTest, KeysGoToTheControlUnderTheMouseAndOthersToTheHost) {
   Point(195, 15);
   ASSERT_TRUE(Notes().Comes("over 195 15"));
-  for (const xcb_keysym_t key : {0xFF52U, 0xFF54U, 0xFF51U, 0xFF53U}) mUser.Type(key);
+  for (const xcb_keysym_t key : {kX11Up, kX11Down, kX11Left, kX11Right}) mUser.Type(key);
   mUser.Type("09az");
   EXPECT_EQ(Notes().UpTo("key 40"),
             (Entries{"key 1", "key 2", "key 3", "key 4", "key 5", "key 14", "key 15", "key 40"}));
@@ -112,12 +109,10 @@ TEST_F(EditorMouseTest, KeysGoToTheControlUnderTheMouseAndOthersToTheHost) {
 
 TEST_F(EditorMouseTest, AHiddenCursorComesBackWhereItWas) {
   mPlug->onProbe = [this] { Graphics().HideMouseCursor(); };
-  Point(195, 15);
-  mUser.Click();
+  ClickAt(195, 15);
   ASSERT_TRUE(Notes().Comes("up 195 15"));
   mPlug->onProbe = [this] { Graphics().ShowMouseCursor(); };
-  Point(220, 40);
-  mUser.Click();
+  ClickAt(220, 40);
   EXPECT_TRUE(Eventually([&] {
     const X11Point place = mUser.Pointer();
     return place.x == kLeft + 197 && place.y == kTop + 18;

@@ -15,7 +15,14 @@ constexpr int kManyTimes = 1000;
 
 constexpr IRECT kAll{0, 0, HostedPlug::kWidth, HostedPlug::kHeight};
 
-using EditorWindowTest = EditorHostTest;
+class EditorWindowTest : public EditorHostTest {
+ protected:
+  IRECT Size() {
+    ERect* rect = nullptr;
+    Dispatch(effEditGetRect, 0, 0, &rect);
+    return rect ? IRECT(rect->left, rect->top, rect->right, rect->bottom) : IRECT();
+  }
+};
 
 class ServerTest : public EditorHostTest, public ::testing::WithParamInterface<const char*> {
  protected:
@@ -121,11 +128,7 @@ TEST_F(EditorWindowTest, NeedsNoServerUntilItIsOpened) {
     setenv("DISPLAY", wrong, 1);
     if (!*wrong) unsetenv("DISPLAY");
     MakePlug();
-    ERect* rect = nullptr;
-    EXPECT_EQ(Dispatch(effEditGetRect, 0, 0, &rect), 1);
-    ASSERT_NE(rect, nullptr);
-    EXPECT_EQ(rect->right, HostedPlug::kWidth);
-    EXPECT_EQ(rect->bottom, HostedPlug::kHeight);
+    EXPECT_EQ(Size(), IRECT(0, 0, HostedPlug::kWidth, HostedPlug::kHeight));
     EXPECT_FALSE(Open());
     EXPECT_EQ(Dispatch(effEditClose), 1);
     EndPlug();
@@ -138,8 +141,7 @@ TEST_F(EditorWindowTest, NeedsNoServerUntilItIsOpened) {
 TEST_F(EditorWindowTest, OutlivesItsParentAndTheServer) {
   for (const bool serverDies : {false, true}) {
     ASSERT_TRUE(Open());
-    Point(HostedPlug::kLevelRect);
-    mUser.Press(1);
+    PressAt(HostedPlug::kLevelRect);
     ASSERT_TRUE(Notes().Comes("begin 0"));
     if (serverDies) {
       mServer.Kill();
@@ -152,18 +154,14 @@ TEST_F(EditorWindowTest, OutlivesItsParentAndTheServer) {
     Set(kLevel, 0.9);
     Close();
   }
-  EXPECT_FALSE(Open());
 }
 
 TEST_F(EditorWindowTest, FollowsTheEditorsSize) {
   mPlug->onProbe = [this] { Graphics().Resize(350, 220); };
   ASSERT_TRUE(Open());
-  Point(HostedPlug::kProbeRect);
-  mUser.Click();
+  ClickAt(HostedPlug::kProbeRect);
   EXPECT_TRUE(Eventually([&] { return mUser.Place(Window()) == IRECT(0, 0, 350, 220); }));
-  ERect* rect = nullptr;
-  Dispatch(effEditGetRect, 0, 0, &rect);
-  EXPECT_EQ(rect->right, 350);
+  EXPECT_EQ(Size(), IRECT(0, 0, 350, 220));
 }
 
 TEST_F(EditorWindowTest, TwoInstancesKeepApart) {
@@ -172,25 +170,21 @@ TEST_F(EditorWindowTest, TwoInstancesKeepApart) {
   AEffect* firstEffect = mEffect;
   MakePlug();
   ASSERT_TRUE(Open(mUser.MakeWindow({kLeft, kTop + 250, kLeft + 300, kTop + 450})));
-  Point(195, 265);
-  mUser.Click();
+  ClickAt(195, 265);
   EXPECT_TRUE(Notes().Comes("up 195 15"));
-  Point(195, 16);
-  mUser.Click();
+  ClickAt(195, 16);
   EXPECT_TRUE(first->Notes().Comes("up 195 16"));
   EndPlug();
   mPlug = first;
   mEffect = firstEffect;
-  Point(195, 17);
-  mUser.Click();
+  ClickAt(195, 17);
   EXPECT_TRUE(Notes().Comes("up 195 17"));
 }
 
 // The host closes, with the lock in its hands, while the editor's thread wants that lock.
 TEST_F(EditorWindowTest, ClosingLetsTheEditorThroughToTheLock) {
   ASSERT_TRUE(Open());
-  Point(HostedPlug::kProbeRect);
-  mUser.Press(1);
+  PressAt(HostedPlug::kProbeRect);
   ASSERT_TRUE(Notes().Comes("down 215 35 L"));
   {
     const PlugLock::Guard once(mPlug->GetLock());
@@ -207,8 +201,7 @@ TEST_F(EditorWindowTest, ClosingLetsTheEditorThroughToTheLock) {
 TEST_F(EditorWindowTest, ClosesFromInsideItsOwnCalls) {
   mPlug->onProbe = [this] { Close(); };
   ASSERT_TRUE(Open());
-  Point(HostedPlug::kProbeRect);
-  mUser.Click();
+  ClickAt(HostedPlug::kProbeRect);
   EXPECT_TRUE(Eventually([&] { return !Graphics().WindowIsOpen(); }));
   EXPECT_TRUE(Open());
 }

@@ -93,11 +93,9 @@ TEST_F(FileDialogTest, TheEditorGoesOnBehindADialogAndTakesItAlong) {
   for (const char* body : {"sleep 600", "exec >&-; sleep 600"}) {
     MakeProgram("zenity", body);
     mPlug->onProbe = [this] { Notes().Note("got " + Ask(IGraphics::kFileOpen, "")); };
-    Point(195, 15);
-    mUser.Click();
+    ClickAt(195, 15);
     ASSERT_TRUE(Eventually([&] { return Read("zenity.called") != ""; }));
-    Point(HostedPlug::kLevelRect);
-    mUser.Click();  // waits for the dialog
+    ClickAt(HostedPlug::kLevelRect);  // waits for the dialog
     const auto before = mUser.Picture(Window(), HostedPlug::kLevelRect);
     Set(kLevel, 1.0 - Normalized(kLevel));
     EXPECT_TRUE(
@@ -120,8 +118,7 @@ TEST_F(FileDialogTest, PagesOpenInAProgramThatIsLeftAlone) {
   mPlug->onProbe = [this] {
     Notes().Note(Graphics().OpenURL("https://www.example.com/a?b=c&d='e f'") ? "opened" : "not");
   };
-  Point(195, 15);
-  mUser.Click();
+  ClickAt(195, 15);
   ASSERT_TRUE(Notes().Comes("opened"));
   unsetenv("LD_LIBRARY_PATH");
   EXPECT_EQ(ChildCount(), 1);  // the server; nothing is left to be waited for
@@ -143,13 +140,11 @@ TEST_F(FileDialogTest, APageThatCannotBeOpenedIsReportedOnce) {
     Graphics().OpenURL("https://b", "Homepage unavailable");
     mPlug->onProbe = nullptr;
   };
-  Point(195, 15);
-  mUser.Click();
+  ClickAt(195, 15);
   ASSERT_TRUE(Eventually([&] { return HasChild(); }));
-  mUser.Type(0xFF1B);
+  mUser.Type(kX11Escape);
   ASSERT_TRUE(Eventually([&] { return !HasChild(); }));
-  Point(205, 15);
-  mUser.Click();  // which a second message would take
+  ClickAt(205, 15);  // which a second message would take
   EXPECT_TRUE(Notes().Comes("down 205 15 L"));
 }
 

@@ -9,8 +9,6 @@
 namespace {
 
 using Keys = std::vector<xcb_keysym_t>;
-constexpr xcb_keysym_t kReturn = 0xFF0D, kEscape = 0xFF1B, kUpKey = 0xFF52, kDownKey = 0xFF54,
-                       kLeftKey = 0xFF51, kRightKey = 0xFF53, kHomeKey = 0xFF50, kEndKey = 0xFF57;
 constexpr uint32_t kLit = 0xFFBB00;  // ground of the row in hand
 
 // Every press of the probe opens the menu; what was chosen is noted as "chose <text>".
@@ -101,11 +99,11 @@ TEST_F(MenuTest, KeysAndWheelGoAroundTheItemsThatCanBeChosen) {
     Keys keys;
     int wheel;
     const char* result;
-  } cases[] = {{{kDownKey}, 0, "chose head"},          // over the disabled one
-               {{kDownKey, kUpKey}, 0, "chose four"},  // around the end
-               {{kHomeKey}, -1, "chose three"},        // over the separator
-               {{kEndKey}, 1, "chose three"},
-               {{kEscape}, 0, "dismissed"}};
+  } cases[] = {{{kX11Down}, 0, "chose head"},          // over the disabled one
+               {{kX11Down, kX11Up}, 0, "chose four"},  // around the end
+               {{kX11Home}, -1, "chose three"},        // over the separator
+               {{kX11End}, 1, "chose three"},
+               {{kX11Escape}, 0, "dismissed"}};
   for (const auto& [keys, wheel, result] : cases) {
     OpenByClick();
     // Neither a disabled item nor a separator takes a click.
@@ -115,7 +113,7 @@ TEST_F(MenuTest, KeysAndWheelGoAroundTheItemsThatCanBeChosen) {
     }
     Type(keys);
     mUser.Wheel(wheel);
-    mUser.Type(kReturn);
+    mUser.Type(kX11Return);
     ASSERT_TRUE(Notes().Comes(result));
   }
 }
@@ -140,7 +138,7 @@ TEST_F(MenuTest, SubMenusOpenBesideTheirItem) {
   EXPECT_EQ(mChosenMenu, &inner);
   // By keys, in and out again.
   OpenByClick();
-  Type({kEndKey, kRightKey, kLeftKey, kRightKey, kDownKey, kReturn, kReturn});
+  Type({kX11End, kX11Right, kX11Left, kX11Right, kX11Down, kX11Return, kX11Return});
   ASSERT_TRUE(Notes().Comes("chose deep"));
   EXPECT_EQ(mChosenMenu, &innermost);
 }
@@ -150,13 +148,11 @@ TEST_F(MenuTest, APressElsewhereDismissesItWithoutGoingThrough) {
   // In the window, and in the host's: the menu holds the mouse.
   for (const auto& [x, y] : {std::pair{35, 35}, {400, 300}}) {
     OpenByClick();
-    Point(x, y);
-    mUser.Click();
+    ClickAt(x, y);
     ASSERT_TRUE(Notes().Comes("dismissed"));
   }
   EXPECT_TRUE(Eventually([&] { return mUser.CanGrab(); }));
-  Point(HostedPlug::kLevelRect);
-  mUser.Click();
+  ClickAt(HostedPlug::kLevelRect);
   const Entries entries = Notes().UpTo("end 0");
   EXPECT_EQ(std::count(entries.begin(), entries.end(), "begin 0"), 1);
 }
@@ -189,7 +185,7 @@ TEST_F(MenuTest, TheEditorGoesOnBehindItAndTheLockIsFree) {
   EXPECT_TRUE(
       Eventually([&] { return mUser.Picture(Window(), HostedPlug::kLevelRect) != before; }));
   EXPECT_TRUE(HasChild());
-  mUser.Type(kEscape);
+  mUser.Type(kX11Escape);
   EXPECT_TRUE(Notes().Comes("locked again"));
 }
 
@@ -212,10 +208,10 @@ TEST_F(MenuTest, OneThatIsLargerThanTheWindowStaysOnTheMonitor) {
     // Of 40 rows 29 fit, the rest is scrolled to.
     EXPECT_EQ(place.B, twoMonitors ? 500 : XServer::kHeight);
     EXPECT_EQ(place.R <= kSplit, twoMonitors);
-    mUser.Type(kEndKey);
+    mUser.Type(kX11End);
     EXPECT_TRUE(
         Eventually([&] { return mUser.ScreenPixel(place.L + 3, place.B - 4 - 18) == kLit; }));
-    mUser.Type(kReturn);
+    mUser.Type(kX11Return);
     ASSERT_TRUE(Notes().Comes("chose item 39"));
     EXPECT_TRUE(Eventually([&] { return desktop().size() == windows; }));
   }
@@ -236,8 +232,8 @@ TEST_F(MenuTest, AMessageWaitsForItsButton) {
     Keys keys;
     int answer;
   } cases[] = {
-      {0, {kDownKey}, 1}, {1, {kUpKey}, 2},  {3, {kDownKey}, 6}, {3, {kDownKey, kDownKey}, 7},
-      {3, {kUpKey}, 2},   {3, {kEscape}, 2}, {4, {kUpKey}, 7},   {4, {kDownKey}, 6}};
+      {0, {kX11Down}, 1}, {1, {kX11Up}, 2},     {3, {kX11Down}, 6}, {3, {kX11Down, kX11Down}, 7},
+      {3, {kX11Up}, 2},   {3, {kX11Escape}, 2}, {4, {kX11Up}, 7},   {4, {kX11Down}, 6}};
   for (const auto& [type, keys, answer] : cases) {
     mPlug->onProbe = [this, kind = type] {
       const int result = Graphics().ShowMessageBox("Overwrite it?", "Preset", kind);
@@ -245,7 +241,7 @@ TEST_F(MenuTest, AMessageWaitsForItsButton) {
     };
     OpenByClick();
     Type(keys);
-    mUser.Type(kReturn);
+    mUser.Type(kX11Return);
     ASSERT_TRUE(Notes().Comes("answer " + std::to_string(answer)));
   }
   EXPECT_EQ(Graphics().ShowMessageBox("from", "elsewhere", 0), 0);

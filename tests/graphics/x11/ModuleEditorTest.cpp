@@ -54,8 +54,7 @@ TEST_F(ModuleEditorTest, ItsControlsFollowMouseKeyboardAndMenu) {
   ASSERT_TRUE(Open());
   // Delay, by a drag upward.
   const double delay = Normalized(0);
-  Point(722, 149);
-  mUser.Press(1);
+  PressAt(722, 149);
   ASSERT_TRUE(mJournal.Comes("begin 0"));
   Point(722, 120);
   mUser.Release(1);
@@ -67,15 +66,14 @@ TEST_F(ModuleEditorTest, ItsControlsFollowMouseKeyboardAndMenu) {
   ASSERT_TRUE(mJournal.Comes("end 6"));
   ASSERT_TRUE(Eventually([&] { return mUser.Focus() == Window(); }));
   mUser.Type("-3.5");
-  mUser.Type(0xFF0D);
+  mUser.Type(kX11Return);
   ASSERT_TRUE(mJournal.Comes("end 6"));
   EXPECT_NEAR(Normalized(6), (60.0 - 3.5) / 120.0, 1e-6);
   // The number of blocks, from its menu of 13 items: the last one.
-  Point(632, 132);
-  mUser.Click();
+  ClickAt(632, 132);
   ASSERT_TRUE(Eventually([&] { return mUser.ChildrenOf(Window()).size() == 1; }));
-  mUser.Type(0xFF57);
-  mUser.Type(0xFF0D);
+  mUser.Type(kX11End);
+  mUser.Type(kX11Return);
   ASSERT_TRUE(mJournal.Comes("end 39"));
   EXPECT_EQ(Normalized(39), 1.0);
 }
@@ -93,8 +91,7 @@ TEST_F(ModuleEditorTest, OpensAndClosesWhileSoundRunsAndPresetsStorm) {
   });
   for (int i = 0; i < 15; ++i) {
     ASSERT_TRUE(Open());
-    Point(722, 149 - i);
-    mUser.Press(1);
+    PressAt(722, 149 - i);
     Point(722, 100 + i);
     if (i % 3 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(60));
     if (i % 2 == 0) mUser.Release(1);

@@ -5,9 +5,6 @@
 
 namespace {
 
-constexpr xcb_keysym_t kReturn = 0xFF0D, kEscape = 0xFF1B, kHome = 0xFF50, kLeftKey = 0xFF51,
-                       kEnd = 0xFF57, kBackSpace = 0xFF08, kDelete = 0xFFFF;
-
 class TextEntryTest : public EditorHostTest {
  protected:
   TextEntryTest() {
@@ -27,7 +24,7 @@ class TextEntryTest : public EditorHostTest {
     EXPECT_TRUE(Eventually([&] { return !HasChild() && mUser.Focus() == focus; }));
   }
   void Commit(double level) {
-    mUser.Type(kReturn);
+    mUser.Type(kX11Return);
     ExpectClosed();
     EXPECT_NEAR(Value(kLevel), level, 1e-9);
   }
@@ -57,7 +54,7 @@ TEST_F(TextEntryTest, EscapeAbandonsAndTheFocusGoesBackToWhoIsLeft) {
     OpenField();
     mUser.Type("99");
     if (before == other) mUser.Destroy(other);
-    mUser.Type(kEscape);
+    mUser.Type(kX11Escape);
     ExpectClosed(before == other ? mParent : before);
   }
   EXPECT_EQ(Notes().Take(), Entries{});
@@ -67,12 +64,12 @@ TEST_F(TextEntryTest, EscapeAbandonsAndTheFocusGoesBackToWhoIsLeft) {
 TEST_F(TextEntryTest, CaretAndSelectionFollowKeysAndMouse) {
   OpenField();
   mUser.Type("1357");
-  mUser.Type(kHome);
-  mUser.Type(kDelete);  // 357
-  mUser.Type(kEnd);
-  mUser.Type(kLeftKey);
-  mUser.Type(kBackSpace);  // 37
-  mUser.TypeWith(kShiftKey, kHome);
+  mUser.Type(kX11Home);
+  mUser.Type(kX11Delete);  // 357
+  mUser.Type(kX11End);
+  mUser.Type(kX11Left);
+  mUser.Type(kX11BackSpace);  // 37
+  mUser.TypeWith(kShiftKey, kX11Home);
   mUser.Type("4");
   Commit(47.0);
   // A press puts the caret, a second one takes the whole number.
@@ -102,7 +99,7 @@ TEST_F(TextEntryTest, CopiesToTheHost) {
   for (const char key : {'a', 'x', 'v', 'v', 'a', 'c'}) {
     mUser.TypeWith(kControlKey, static_cast<xcb_keysym_t>(key));
   }
-  mUser.Type(kEscape);
+  mUser.Type(kX11Escape);
   ExpectClosed();
   const xcb_atom_t utf8 = mUser.Atom("UTF8_STRING");
   xcb_convert_selection(mUser.Get(), mParent, mUser.Atom("CLIPBOARD"), utf8, utf8,
@@ -155,8 +152,7 @@ TEST_F(TextEntryTest, EndsWhereTheUserGoesElsewhere) {
   // A click beside it commits and goes on to what it hit.
   OpenField();
   mUser.Type("50");
-  Point(195, 15);
-  mUser.Click();
+  ClickAt(195, 15);
   EXPECT_EQ(Notes().UpTo("up 195 15"), (Entries{"over 195 15", "begin 0", "set 0 0.500", "end 0",
                                                 "down 195 15 L", "up 195 15"}));
   ExpectClosed();
@@ -197,15 +193,14 @@ TEST_F(TextEntryTest, AFieldWithoutParameterTakesAnyText) {
     IRECT rect(190, 70, 290, 90);
     Graphics().CreateTextEntry(Graphics().GetControl(4), &style, &rect, "old", nullptr);
   };
-  Point(195, 15);
-  mUser.Click();
+  ClickAt(195, 15);
   ASSERT_TRUE(Eventually([&] { return HasChild(); }));
   // Its colours are those of the style.
   EXPECT_TRUE(Eventually([&] {
     return mUser.Picture(Window(), {190, 70, 192, 90}) == std::vector<uint32_t>(40, 0xFFFFFF);
   }));
   mUser.Type("A longer text, 100% free");
-  mUser.Type(kReturn);
+  mUser.Type(kX11Return);
   EXPECT_TRUE(Notes().Comes("A longer text, 100% free"));
 }
 

@@ -142,8 +142,6 @@ void XUser::Click(int button, int times) {
   Sync();
 }
 
-void XUser::Wheel(int distance) { Click(distance > 0 ? 4 : 5, std::abs(distance)); }
-
 xcb_keycode_t XUser::CodeOf(xcb_keysym_t symbol, bool* shifted) {
   const int first = mConnection.Setup()->min_keycode;
   const int count = mConnection.Setup()->max_keycode - first + 1;

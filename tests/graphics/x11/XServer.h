@@ -81,7 +81,7 @@ class XUser {
   void Press(int button) { Fake(XCB_BUTTON_PRESS, button); }
   void Release(int button) { Fake(XCB_BUTTON_RELEASE, button); }
   void Click(int button = 1, int times = 1);  // quickly enough for double clicks
-  void Wheel(int distance);
+  void Wheel(int distance) { Click(distance > 0 ? 4 : 5, std::abs(distance)); }
   xcb_keycode_t CodeOf(xcb_keysym_t symbol, bool* shifted = nullptr);
   void HoldKey(xcb_keysym_t symbol) { Fake(XCB_KEY_PRESS, CodeOf(symbol)); }
   void ReleaseKey(xcb_keysym_t symbol) { Fake(XCB_KEY_RELEASE, CodeOf(symbol)); }
