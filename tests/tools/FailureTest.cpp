@@ -83,10 +83,8 @@ TEST_F(FailureTest, NamesTheRangeOrTheNearestNameOfASetting) {
   const char* const cases[][2] = {
       {"Lefel=2", "no parameter is called \"Lefel\"; the nearest is \"Level\""},
       {"Level=4.01", "Level goes from 0.00 to 4.00 x; 4.01 is outside"},
-      {"Level=-1", "Level goes from 0.00 to 4.00 x"},
       {"Level=much", "Level takes a number, not \"much\""},
       {"Level=inf", "Level takes a number"},
-      {"Level=1x", "Level takes a number"},
       {"Level=", "Level takes a number"},
       {"Echo=2.5", "Echo takes whole numbers from 0 to 5000 ms"},
       {"Invert=maybe", "Invert is one of off, on, not \"maybe\""},

@@ -51,11 +51,9 @@ TEST_F(RenderTest, PassesEverySampleUnchangedAndUndelayedInEveryFormat) {
     const std::string out = std::string("out_") + c.name;
     Works({"render", c.name, out, "--tail", "0", "--block", c.block});
     const Sound wet = Read(out);
-    EXPECT_EQ(wet.format, dry.format) << c.name;
-    EXPECT_EQ(wet.rate, dry.rate) << c.name;
-    EXPECT_EQ(wet.channels, dry.channels) << c.name;
-    EXPECT_EQ(wet.Frames(), dry.Frames()) << c.name;
-    EXPECT_TRUE(out.ends_with(".ogg") || wet.samples == dry.samples) << c.name;
+    EXPECT_EQ(wet.Frames(), c.frames) << c.name;
+    EXPECT_EQ(wet.format, c.format) << c.name;
+    EXPECT_TRUE(wet == dry || out.ends_with(".ogg")) << c.name;
   }
 }
 
@@ -110,7 +108,7 @@ TEST_F(RenderTest, SettingsSoundFromTheFirstSampleOn) {
   }
 }
 
-TEST_F(RenderTest, KeepsTheTailUntilItHasFadedOrAsLongAsAsked) {
+TEST_F(RenderTest, KeepsTheTailUntilItHasFadedOrAsLongAsAskedButNotForEver) {
   WriteImpulse(8000, 100);
   const Words echoes = {"--set", "Echo=1000", "--set", "Decay=0.5"};
   // Fourteen halvings are -84.3 dB, fifteen are -90.3 dB.
@@ -121,15 +119,10 @@ TEST_F(RenderTest, KeepsTheTailUntilItHasFadedOrAsLongAsAsked) {
   const std::vector<double> fixed = Rendered(echoes + Words{"--tail", "1.5"}).samples;
   ASSERT_EQ(fixed.size(), 100U + 12000);
   EXPECT_EQ(fixed[8000], 0.5);
-}
-
-TEST_F(RenderTest, CutsATailThatNeverFadesAndSaysSo) {
-  WriteImpulse(1000, 100);
-  const Ended ended =
+  const Ended endless =
       Tolmara({"render", "in.wav", "out.wav", "--set", "Echo=500", "--set", "Decay=1"});
-  EXPECT_EQ(ended.code, 0);
-  EXPECT_NE(ended.err.find("was cut"), std::string::npos) << ended.err;
-  EXPECT_NEAR(static_cast<double>(Read("out.wav").Frames()), 120000, 1000);
+  EXPECT_NE(endless.err.find("was cut"), std::string::npos) << endless.err;
+  EXPECT_NEAR(static_cast<double>(Read("out.wav").Frames()), 120 * 8000, 8000);
 }
 
 TEST_F(RenderTest, RepeatsAreIdenticalByteForByte) {

@@ -3,13 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 #include "tests/tools/ToolRun.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
 
@@ -62,7 +59,7 @@ TEST_F(TolmaraTest, DrySoundComesThroughBitForBit) {
   for (const int channels : {1, 2}) {
     Write("in.flac", NoiseSound(channels, 48000, 7001, SF_FORMAT_FLAC | SF_FORMAT_PCM_24));
     Works({"render", "in.flac", "out.flac", "--set", "Mix=0", "--preset", "Hall", "--tail", "0"});
-    EXPECT_EQ(Read("out.flac").samples, Read("in.flac").samples) << channels;
+    EXPECT_TRUE(Read("out.flac") == Read("in.flac")) << channels;
   }
 }
 
@@ -75,24 +72,6 @@ TEST_F(TolmaraTest, RepeatsAreIdenticalByteForByteAndDoNotDependOnWhatWasSetBefo
     Works(Words{"render", "in.wav", "out.wav", "--preset", "Cathedral"} + sets);
     if (first.empty()) first = Bytes("out.wav");
     EXPECT_EQ(Bytes("out.wav"), first);
-  }
-}
-
-TEST_F(TolmaraTest, APresetFileGivesItsSettingsToAFreshInstance) {
-  Works({"save-bank", "factory.fxb"});
-  const Json bank = Json::parse(Works({"show", "factory.fxb", "--json"}))["presets"];
-  ASSERT_EQ(bank.size(), 28U);
-  for (const std::size_t i : {0U, 12U, 18U, 27U}) {
-    const std::string name = bank[i]["name"];
-    Works({"save-preset", "one.fxp", "--preset", name});
-    const Json loaded = Json::parse(Works({"params", "--load-fxp", "one.fxp", "--json"}));
-    const Json chosen = Json::parse(Works({"params", "--preset", name, "--json"}));
-    ASSERT_EQ(loaded.size(), 46U);
-    for (std::size_t id = 0; id < loaded.size(); ++id) {
-      const double value = chosen[id]["value"];
-      EXPECT_NEAR(loaded[id]["value"], value, 1e-7) << name << " " << id;
-      EXPECT_NEAR(bank[i]["parameters"][id]["value"], value, 1e-7) << name << " " << id;
-    }
   }
 }
 

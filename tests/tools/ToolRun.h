@@ -28,6 +28,7 @@ struct Sound {
   int format = 0;    // libsndfile's code
   std::vector<double> samples;
   std::size_t Frames() const { return samples.size() / static_cast<std::size_t>(channels); }
+  bool operator==(const Sound&) const = default;
 };
 
 // A fresh folder that is the working directory of the programs and goes with the test.
