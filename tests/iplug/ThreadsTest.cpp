@@ -26,9 +26,10 @@ TEST(Threads, ParametersStateAndSoundDoNotInterleave) {
     inside.fetch_sub(1);
   };
   std::atomic<bool> stop{false};
+  std::atomic<int> steps{0};
   const auto until = [&](auto step) {
-    return std::thread([&stop, step] {
-      for (int i = 0; !stop; ++i) step(i);
+    return std::thread([&stop, &steps, step] {
+      for (int i = 0; !stop; ++i, ++steps) step(i);
     });
   };
   std::thread threads[] = {
@@ -45,7 +46,7 @@ TEST(Threads, ParametersStateAndSoundDoNotInterleave) {
   float out[2][64] = {};
   float* inputs[2] = {in, in};
   float* outputs[2] = {out[0], out[1]};
-  for (int block = 0; block < 300; ++block) {
+  for (int block = 0; block < 300 || steps < 300; ++block) {
     rig.effect->processReplacing(rig.effect, inputs, outputs, 64);
     rig.effect->getParameter(rig.effect, block % kNumTestParams);
   }
