@@ -182,6 +182,8 @@ TEST(CachedFont, ReadsUtf8AndReplacesWhatIsNot) {
   LICE_Rect rect{0, 0, 0, 0};
   font.DrawText(nullptr, "|x|yyyy", 3, &rect, LICE_TEXT_NEAR | LICE_TEXT_MEASURE);
   EXPECT_EQ(rect.right, width("|x|"));
+  font.DrawText(nullptr, "|x|", 0, &rect, LICE_TEXT_NEAR | LICE_TEXT_MEASURE);
+  EXPECT_EQ(rect.right, 0);
 }
 
 TEST(PlatformFont, GivesWeightSlantTurnAndBlackAndWhite) {

@@ -99,6 +99,8 @@ TEST(Line, EndsAndStaysInPlaceForCoordinatesBeyondReason) {
               0);
     EXPECT_EQ(draw(7, -1e38f, 7, 1e38f), 30);
     EXPECT_EQ(draw(7, 3, 7, kInfinity), 27);
+    draw(1e30f, 1e30f, 3, 3);
+    for (int i = 0; i < 30; ++i) EXPECT_EQ(LICE_GetPixel(&b, i, i), i < 3 ? 0 : kWhite) << i;
     EXPECT_EQ(draw(-kInfinity, 5, kInfinity, 5), 40);
     EXPECT_EQ(LICE_GetPixel(&b, 20, 5), kWhite);
     draw(-1e30f, -1e30f, 1e30f, 1e30f);
