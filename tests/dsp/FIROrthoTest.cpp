@@ -71,22 +71,16 @@ void expect_bits(Settings s, int radius, int samples, std::uint64_t expected) {
 }
 
 TEST(FIROrtho, GivesTheSameBitsBeforeTheDecayInEveryBuild) {
-  expect_bits({{{10, 5, -0.5f}, {11, 8, -0.5f}, {12, 11, -0.5f}}, 60, 44100, 1, 0, 0, 1, 1}, 1441,
-              186747, 8745406207731871270u);
+  using Room = AlignedVector<DimProperties<float>>;
+  const Room three = {{10, 5, -0.5f}, {11, 8, -0.5f}, {12, 11, -0.5f}};
+  const Room four = {{15, 24, -0.15f}, {13, 17, -0.46f}, {12, 11, -0.72f}, {11, 6, -0.18f}};
+  const Room five = {
+      {10, 5, -0.1f}, {11, 8, -0.2f}, {12, 11, -0.4f}, {13, 14, -0.8f}, {14, 17, -1}};
   expect_bits({{{10, 17, -0.1f}}, 60, 44100, 4, -0.48f, 0, 1, 1}, 1701, 881767,
               6266484957954878615u);
-  const DimProperties<float> first = {15, 24, -0.15f}, second = {13, 17, -0.46f};
-  expect_bits({{first, second, {12, 11, -0.72f}, {11, 6, -0.18f}}, 60, 44100, 4, 0, 0, 1, 1}, 1701,
-              881767, 15501849328898770381u);
-  expect_bits({{{10, 5, -0.1f}, {11, 8, -0.2f}, {12, 11, -0.4f}, {13, 14, -0.8f}, {14, 17, -1}},
-               60,
-               44100,
-               1,
-               -0.6f,
-               -0.3f,
-               1,
-               1},
-              1701, 220442, 8638093322225511309u);
+  expect_bits({three, 60, 44100, 1, 0, 0, 1, 1}, 1441, 186747, 8745406207731871270u);
+  expect_bits({four, 60, 44100, 4, 0, 0, 1, 1}, 1701, 881767, 15501849328898770381u);
+  expect_bits({five, 60, 44100, 1, -0.6f, -0.3f, 1, 1}, 1701, 220442, 8638093322225511309u);
 }
 
 const Settings kRoom = {{{5, 1, 60}, {6, 2, 50}}, 40, 8000, 1.0f, 0.2f, 0.1f, -12, -120};

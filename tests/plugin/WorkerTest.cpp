@@ -27,25 +27,14 @@ double LargestDifference(const std::vector<double>& a, const std::vector<double>
   return largest;
 }
 
-// Lets every start of a thread fail while it lives: no address space holds such a stack.
-class NoThreads {
- public:
-  NoThreads() {
-    pthread_attr_t huge;
-    pthread_getattr_default_np(&mUsual);
-    pthread_attr_init(&huge);
-    pthread_attr_setstacksize(&huge, size_t{1} << 47);
-    pthread_setattr_default_np(&huge);
-    pthread_attr_destroy(&huge);
-  }
-  ~NoThreads() {
-    pthread_setattr_default_np(&mUsual);
-    pthread_attr_destroy(&mUsual);
-  }
-
- private:
-  pthread_attr_t mUsual;
-};
+// Sets the stack that every new thread gets. No address space holds a huge one.
+void SetStackOfThreads(size_t bytes) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, bytes);
+  pthread_setattr_default_np(&attributes);
+  pthread_attr_destroy(&attributes);
+}
 
 }  // namespace
 
@@ -97,12 +86,13 @@ TEST(Worker, AThreadThatCannotStartSaysSoAndLeavesTheOldResponseUntilTheNextForm
   const void* const sounding = probe.Active(0);
   probe.Set(kTimeStretch, 2.0);
   std::string text;
+  SetStackOfThreads(size_t{1} << 47);
   try {
-    const NoThreads none;
     probe.SilentBlock();
   } catch (const std::system_error& error) {
     text = error.what();
   }
+  SetStackOfThreads(size_t{8} << 20);
   EXPECT_EQ(text.rfind("thread constructor failed", 0), 0u) << text;
   EXPECT_FALSE(probe.Dirty());
   EXPECT_FALSE(probe.Idle());
