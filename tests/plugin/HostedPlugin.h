@@ -4,7 +4,6 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -86,12 +85,9 @@ class HostedPlugin {
   }
 
  private:
-  static VstIntPtr HostCallback(AEffect*, std::int32_t opcode, std::int32_t, VstIntPtr, void* ptr,
+  static VstIntPtr HostCallback(AEffect*, std::int32_t opcode, std::int32_t, VstIntPtr, void*,
                                 float) {
-    if (opcode == audioMasterVersion) return 2400;
-    if (opcode != audioMasterGetProductString) return 0;
-    std::strcpy(static_cast<char*>(ptr), "Test bench");
-    return 1;
+    return opcode == audioMasterVersion ? 2400 : 0;
   }
 
   AEffect* mEffect;
