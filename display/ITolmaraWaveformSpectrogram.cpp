@@ -31,6 +31,7 @@ ITolmaraWaveformSpectrogram::ITolmaraWaveformSpectrogram(IPlugBase* plug, IRECT 
       mSpectrogramRect(spectrogramRect),
       mTextTime(Coloured(text, IColor(178, 0, 255, 0))),
       mTextMarks(Coloured(text, IColor(178, 255, 255, 0))) {
+  mMaySkipFrames = true;
   SetResponse(sampleRate, fir);
 }
 

@@ -57,6 +57,7 @@ class IControl {
   // All that the last drawing may have painted: the rectangle and texts that stand out of it.
   IRECT GetReach() const { return mRECT.Union(mInk); }
   void SetInk(const IRECT& ink) { mInk = ink; }
+  bool MaySkipFrames() const { return mMaySkipFrames; }
   int ParamIdx() const { return mParamIdx; }
   double GetValue() const { return Load(mValue); }
   double GetDefaultValue() const { return Load(mDefaultValue); }
@@ -119,4 +120,5 @@ class IControl {
   ITextControl* mValDisplayControl = nullptr;   // shows the parameter's value; not owned
   ITextControl* mNameDisplayControl = nullptr;  // shows the parameter's name; not owned
   IRECT mInk;                                   // texts of the last drawing; kept by IGraphics
+  bool mMaySkipFrames = false;                  // where Draw answers false, the last picture stays
 };

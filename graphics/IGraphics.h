@@ -182,7 +182,7 @@ class IGraphics {
   void DrawAll();
   IRECT DrawArea(const IRECT& rect, bool clean);
   void DrawInside(const IRECT& area, bool clean);
-  void DrawControl(IControl* control);
+  bool DrawControl(IControl* control);
   IRECT WithReach(IRECT rect) const;
   void PromptWithMenu(IControl* control, IParam* param, IRECT* rect);
 

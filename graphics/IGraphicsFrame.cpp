@@ -58,26 +58,29 @@ IRECT IGraphics::DrawArea(const IRECT& rect, bool clean) {
 // would grow bolder with each frame, so they draw on an empty bitmap, of which only what lies
 // inside reaches the canvas.
 void IGraphics::DrawInside(const IRECT& area, bool clean) {
+  const auto copy = [](LICE_IBitmap& to, const LICE_IBitmap& from, const IRECT& r) {
+    LICE_Blit(&to, &from, r.L, r.T, r.L, r.T, r.W(), r.H(), 1.0F, LICE_BLIT_MODE_COPY);
+  };
   mDrawRECT = area;
   LICE_FillRect(mFrameBitmap.get(), area.L, area.T, area.W(), area.H(), kColorBlack.Pixel());
   mDrawBitmap.swap(mFrameBitmap);
   for (IControl* control : mControls) {
-    if (control->IsHidden()) {
-      control->SetInk({});
-    } else if (control->GetReach().Intersects(area)) {
-      DrawControl(control);
+    const IRECT reach = control->GetReach();
+    if (!control->IsHidden() && reach.Intersects(area) && !DrawControl(control)) {
+      copy(*mDrawBitmap, *mFrameBitmap, reach);
     }
     if (clean) control->SetClean();
   }
   mDrawBitmap.swap(mFrameBitmap);
-  LICE_Blit(mDrawBitmap.get(), mFrameBitmap.get(), area.L, area.T, area.L, area.T, area.W(),
-            area.H(), 1.0F, LICE_BLIT_MODE_COPY);
+  copy(*mDrawBitmap, *mFrameBitmap, area);
 }
 
-void IGraphics::DrawControl(IControl* control) {
+// False if the control skipped the frame, so that its last picture is to stay.
+bool IGraphics::DrawControl(IControl* control) {
   mInk.Clear();
-  control->Draw(this);
+  if (!control->Draw(this) && control->MaySkipFrames()) return false;
   control->SetInk(mInk);
+  return true;
 }
 
 void IGraphics::DrawAll() {

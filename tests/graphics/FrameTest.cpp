@@ -91,6 +91,24 @@ TEST_F(Frame, PartialFramesLeaveThePictureOfAWholeOne) {
   }
 }
 
+TEST_F(Frame, AControlThatMaySkipFramesKeepsItsPictureWhenItIsNotDrawn) {
+  struct Busy : ProbeControl {
+    Busy(IPlugBase* p, bool maySkip, int x) : ProbeControl(p, IRECT(x, 0, x + 50, 50)) {
+      mMaySkipFrames = maySkip;
+    }
+    bool Draw(IGraphics* g) override { return !isBusy && ProbeControl::Draw(g); }
+    bool isBusy = false;
+  };
+  graphics->AttachPanelBackground(&kColorBlack);
+  auto* skipping = Attach<Busy>(true, 0);
+  auto* missing = Attach<Busy>(false, 100);
+  Show();
+  skipping->isBusy = missing->isBusy = true;
+  graphics->SetAllControlsDirty();
+  Settle();
+  EXPECT_EQ(graphics->BoundsOf(kRed), skipping->GetRECT());
+}
+
 TEST_F(Frame, LooseDrawingRedrawsADirtyControlWithItsNeighbours) {
   auto* background = Attach<ProbeControl>(IRECT(0, 0, kWidth, kHeight), -1, kColorGray);
   auto* a = Attach<ProbeControl>(IRECT(10, 10, 30, 30), -1, kColorRed);
