@@ -209,6 +209,7 @@ TEST(PresetFiles, ABankStoresProgramByProgram) {
   EXPECT_TRUE(ReadBank(rig, {'C', 'c', 'n'}));
   EXPECT_EQ(rig.plug->GetCurrentPresetIdx(), 1);
   EXPECT_EQ(rig.plug->Value(kLevel), 0.0) << "almost nothing restores the current one";
+  EXPECT_FALSE(ReadBank(rig, With(bank.bytes, 164, 0x46504368))) << "no program by its mark";
   EXPECT_FALSE(ReadBank(rig, {'C', 'c', 'n', 'K'}));
   EXPECT_FALSE(ReadBank(rig, {'x', 'x', 'x', 'x', 'x'}));
 }

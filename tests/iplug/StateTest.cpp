@@ -139,6 +139,8 @@ TEST(Bank, ARoundTripGivesTheSameNamesAndValues) {
   EXPECT_FALSE(to.plug->Preset(3)->mInitialized);
   EXPECT_EQ(to.plug->Preset(3)->mChunk.Size(), 48) << "an empty slot leaves its chunk alone";
   EXPECT_EQ(to.GetChunk(false), bank);
+  EXPECT_TRUE(to.plug->RestorePreset(3));
+  EXPECT_EQ(to.plug->Preset(3)->mChunk.Size(), 48) << "which the present sound replaces";
 }
 
 TEST(Bank, APresetWithoutNameTakesTheNameBeforeAndLongOnesAreCut) {
