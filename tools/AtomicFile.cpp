@@ -23,6 +23,7 @@ namespace {
 char unfinishedPath[PATH_MAX];
 volatile sig_atomic_t unfinishedExists = 0;
 
+constexpr int kMostLinks = 40;  // in a row, as the system has it
 constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
 // Holds the ending signals back while a file and its note for the handler are out of step.
@@ -73,12 +74,21 @@ void RequireWritable(const std::string& shown, const std::string& target) {
   if (access(target.c_str(), W_OK) != 0) Fail(shown, std::strerror(errno));
 }
 
+// The file that symbolic links lead to, which need not exist yet.
+std::string Resolved(const std::string& target) {
+  std::error_code ignored;
+  fs::path path = target;
+  for (int i = 0; i < kMostLinks && !fs::exists(path, ignored) && fs::is_symlink(path, ignored);
+       ++i)
+    path = path.parent_path() / fs::read_symlink(path, ignored);
+  path = fs::weakly_canonical(path, ignored);
+  return path.empty() ? target : path.string();
+}
+
 }  // namespace
 
 AtomicFile::AtomicFile(const std::string& target) : mShown(target) {
-  std::error_code ignored;
-  const fs::path resolved = fs::weakly_canonical(target, ignored);
-  mTarget = resolved.empty() ? target : resolved.string();
+  mTarget = Resolved(target);
   RequireWritable(mShown, mTarget);
   mPath = mTarget + ".part-XXXXXX";
   if (mPath.size() >= sizeof unfinishedPath) Fail(mShown, "its name is too long");
