@@ -103,7 +103,6 @@ TEST(Dispatcher, TextsOfParametersAndOfThePlugIn) {
                 {effGetParamDisplay, kNegated, 0, 0, "3.00"},
                 {effGetParamName, kNumTestParams, 0, 0, "untouched"},
                 {effGetEffectName, 0, 0, 1, "Probe"},
-                {effGetVendorString, 0, 0, 1, "Maker"},
                 {effGetProductString, 0, 0, 1, "Product"},
                 {effVendorSpecific, 7, kTapered, 0xBEEF, "25"},
                 {effVendorSpecific, 7, 99, 0xBEEF, "untouched"},

@@ -34,23 +34,20 @@ TEST(Hosts, CodesWithoutATextAreUnknownButOne) {
   EXPECT_EQ(names.size(), 25U) << "each its own name";
 }
 
-TEST(HostServices, TheHostIsAskedOnce) {
-  Rig rig;
-  rig.host.product = "Ardour";
-  rig.host.answers[audioMasterGetVendorVersion] = 70305;
-  EXPECT_EQ(rig.plug->GetHostVersion(true), 70305);
-  EXPECT_EQ(rig.plug->GetHost(), kHostArdour);
-  char text[32];
-  rig.plug->GetHostVersionStr(text);
-  EXPECT_STREQ(text, "v7.3.5");
-  EXPECT_EQ(rig.plug->GetHostVersion(false), 0x00070305);
-  EXPECT_EQ(rig.host.calls.size(), 2U);
-  Rig silent;
-  silent.host.product = "";
-  silent.host.answers[audioMasterGetVendorVersion] = 123;
-  EXPECT_EQ(silent.plug->GetHostVersion(true), 0);
-  EXPECT_EQ(silent.plug->GetHost(), 0);
-  EXPECT_EQ(silent.host.calls.size(), 1U) << "no version without a name, and no second question";
+TEST(HostServices, TheHostIsAskedOnceAndForNoVersionWithoutAName) {
+  for (const char* product : {"Ardour", ""}) {
+    const bool named = *product != 0;
+    Rig rig;
+    rig.host.product = product;
+    rig.host.answers[audioMasterGetVendorVersion] = 70305;
+    EXPECT_EQ(rig.plug->GetHostVersion(true), named ? 70305 : 0);
+    EXPECT_EQ(rig.plug->GetHostVersion(false), named ? 0x00070305 : 0);
+    EXPECT_EQ(rig.plug->GetHost(), named ? kHostArdour : kHostUnknown);
+    char text[32];
+    rig.plug->GetHostVersionStr(text);
+    EXPECT_STREQ(text, named ? "v7.3.5" : "v0.0.0");
+    EXPECT_EQ(rig.host.calls.size(), named ? 2U : 1U);
+  }
 }
 
 TEST(HostServices, PinsOfHostsThatConnectTooManyAreLeftUnread) {
