@@ -70,13 +70,7 @@ TEST_F(EditorMouseTest, ADoubleClickRestoresTheDefaultWithoutAnOpenEdit) {
   EXPECT_EQ(Value(kLevel), 25.0);
 }
 
-TEST_F(EditorMouseTest, AnEditEndsWithTheWindow) {
-  PressAt(HostedPlug::kCountRect);
-  ASSERT_TRUE(Notes().Comes("begin 1"));
-  Close();
-  EXPECT_EQ(Notes().Take().back(), "end 1");
-  mUser.Release(1);
-  ASSERT_TRUE(Open());
+TEST_F(EditorMouseTest, AnEditEndsWithTheEffect) {
   PressAt(HostedPlug::kLevelRect);
   ASSERT_TRUE(Notes().Comes("begin 0"));
   Journal journal;  // that outlives the effect

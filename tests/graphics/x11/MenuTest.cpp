@@ -219,15 +219,6 @@ TEST_F(MenuTest, OneThatIsLargerThanTheWindowStaysOnTheMonitor) {
   }
 }
 
-TEST_F(MenuTest, OneNearTheEdgeMovesInside) {
-  mMenu.AddItem("first");
-  mPlug->onProbe = [this] { Ask({290, 190, 300, 200}); };
-  OpenByClick();
-  const IRECT place = MenuPlace();
-  EXPECT_EQ(place.R, HostedPlug::kWidth);
-  EXPECT_EQ(place.B, HostedPlug::kHeight);
-}
-
 TEST_F(MenuTest, AMessageWaitsForItsButton) {
   const struct {
     int type;
