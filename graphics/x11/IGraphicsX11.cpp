@@ -1,9 +1,12 @@
 // The thread of the open editor, and the operations that it lends to the controls.
 #include "graphics/x11/IGraphicsX11.h"
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/socket.h>
 
+#include <chrono>
 #include <system_error>
 
 #include "graphics/lice/LICE_Bitmap.h"
@@ -11,7 +14,8 @@
 
 namespace {
 
-constexpr int kMenuDistance = 4;  // pixels between a control and its menu
+constexpr int kMenuDistance = 4;              // pixels between a control and its menu
+constexpr std::chrono::seconds kPatience{2};  // with a server that takes nothing any more
 
 // All signals are for the host's threads; a thread inherits the mask of the one that makes it.
 class SignalsBlocked {
@@ -66,9 +70,12 @@ bool IGraphicsX11::StartThread(xcb_window_t parent) {
   if (!mEnding.Reset()) return false;
   std::promise<xcb_window_t> opened;
   auto window = opened.get_future();
+  std::promise<void> ended;
+  mEnded = ended.get_future();
   try {
     const SignalsBlocked signals;
-    mThread = std::thread(&IGraphicsX11::RunEditor, this, parent, std::move(opened));
+    mThread =
+        std::thread(&IGraphicsX11::RunEditor, this, parent, std::move(opened), std::move(ended));
   } catch (const std::system_error&) {
     return false;
   }
@@ -80,23 +87,33 @@ bool IGraphicsX11::StartThread(xcb_window_t parent) {
 void IGraphicsX11::EndThread() {
   if (!mThread.joinable()) return;
   mEnding.Announce();
+  // In the middle of a write to such a server the thread sees no announcement.
+  if (mEnded.wait_for(kPatience) == std::future_status::timeout) {
+    shutdown(mSocket.Get(), SHUT_RDWR);
+  }
   mThread.join();
+  mSocket.Close();
 }
 
-void IGraphicsX11::RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened) {
+void IGraphicsX11::RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened,
+                             std::promise<void> ended) {
   pthread_setname_np(pthread_self(), "tolmara-editor");
   mEditorThread.store(std::this_thread::get_id(), std::memory_order_relaxed);
   {
     X11Editor editor(*this, mEnding);
     mEditor = &editor;
     const bool isOpen = editor.Open(parent);
-    if (isOpen) mWindow.store(editor.Window(), std::memory_order_release);
+    if (isOpen) {
+      mSocket = FileDescriptor(fcntl(editor.Socket(), F_DUPFD_CLOEXEC, 0));
+      mWindow.store(editor.Window(), std::memory_order_release);
+    }
     opened.set_value(isOpen ? editor.Window() : XCB_NONE);
     if (isOpen) editor.Run();
     mWindow.store(XCB_NONE, std::memory_order_release);
   }
   mEditor = nullptr;
   mEditorThread.store(std::thread::id(), std::memory_order_relaxed);
+  ended.set_value();
 }
 
 // Each thread but the editor's finds another id there, whenever it looks.

@@ -52,14 +52,16 @@ class IGraphicsX11 : public IGraphicsOffscreen {
   void ShowFailure();  // of the last OpenURL
 
  private:
-  void RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened);
+  void RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened, std::promise<void> ended);
   bool StartThread(xcb_window_t parent);
   void EndThread();
   X11Editor* EditorHere() const;  // null on every other thread
 
-  std::mutex mThreadMutex;  // guards mThread and mEnding; never waited for with the plug-in lock
+  std::mutex mThreadMutex;  // guards the next four; never waited for with the plug-in lock
   std::thread mThread;
   X11Ending mEnding;
+  std::future<void> mEnded;  // ready when the thread has nothing left to do
+  FileDescriptor mSocket;    // that of the thread's connection once more
   std::atomic<std::thread::id> mEditorThread{};
   std::atomic<xcb_window_t> mWindow{XCB_NONE};  // the open window
   X11Editor* mEditor = nullptr;                 // the thread's own

@@ -29,6 +29,7 @@ class X11Editor {
   // False without a server, without that parent, or with a visual that has no plain colours.
   bool Open(xcb_window_t parent);
   xcb_window_t Window() const { return mWindow->Id(); }
+  int Socket() const { return mConnection.Fd(); }
   void Run();  // until the ending
 
   // What the editor's operations ask for.

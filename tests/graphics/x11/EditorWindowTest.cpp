@@ -60,6 +60,21 @@ TEST_P(ServerTest, ShowsTheCanvasPixelByPixel) {
   ASSERT_TRUE(Open());
   EXPECT_TRUE(ShowsCanvas());
 }
+
+TEST_P(ServerTest, ClosesBesideAServerThatHasStopped) {
+  if (!Open()) return;
+  mServer.Signal(SIGSTOP);
+  // Until nothing more goes out, where the server would have to take it in.
+  for (int draws = -1; draws != mPlug->probeDraws;) {
+    draws = mPlug->probeDraws;
+    Graphics().SetAllControlsDirty();
+    std::this_thread::sleep_for(std::chrono::milliseconds(SharesMemory() ? 1 : 200));
+  }
+  Close();
+  EXPECT_FALSE(Graphics().WindowIsOpen());
+  mServer.Signal(SIGCONT);
+  EXPECT_TRUE(Open());
+}
 INSTANTIATE_TEST_SUITE_P(Servers, ServerTest,
                          ::testing::Values(XServer::kUsual, "-extension MIT-SHM",
                                            "-screen 0 800x600x16", "-screen 0 800x600x8"));

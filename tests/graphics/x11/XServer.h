@@ -1,6 +1,7 @@
 // A server without a screen, and a user at it who moves the mouse, types and looks.
 #pragma once
 
+#include <signal.h>
 #include <sys/types.h>
 #include <xcb/xcb.h>
 
@@ -27,6 +28,7 @@ class TestProgram {
 
   const std::string& FirstLine() const { return mFirstLine; }  // of its output
   void Kill();
+  void Signal(int number) { kill(mPid, number); }
 
  private:
   std::FILE* mOutput;
@@ -43,6 +45,7 @@ class XServer {
   explicit XServer(const std::string& options);
   ~XServer();
   void Kill() { mProgram.Kill(); }
+  void Signal(int number) { mProgram.Signal(number); }
 
  private:
   TestProgram mProgram;
