@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "iplug/IPlugVST.h"
-#include "plugin/ParamTable.h"
+#include "plugin/DefineParam.h"
 
 class FuzzPlug : public IPlugVST {
  public:
@@ -17,7 +17,7 @@ class FuzzPlug : public IPlugVST {
       : IPlugVST(nullptr, kNumParams, "1-1 2-2", kPresets, "Fuzz", "", "", 0x10000, kID, 0, 0,
                  false, chunks) {
     for (int id = 0; id < kNumParams; ++id)
-      Define(GetParam(id), kParamTable[static_cast<std::size_t>(id)]);
+      DefineParam(GetParam(id), kParamTable[static_cast<std::size_t>(id)]);
     GetParam(kRenderMode)->SetDisplayText(0, "Low Mem");
     GetParam(kRenderMode)->SetDisplayText(1, "Fast");
     GetParam(kGain)->NegateDisplay(true);
@@ -32,9 +32,8 @@ class FuzzPlug : public IPlugVST {
   }
 
   VstIntPtr SetChunk(const std::uint8_t* data, std::size_t size, bool isPreset) {
-    std::uint8_t none = 0;
-    const void* bytes = size > 0 ? data : &none;
-    return Dispatch(effSetChunk, isPreset, static_cast<VstIntPtr>(size), const_cast<void*>(bytes));
+    return Dispatch(effSetChunk, isPreset, static_cast<VstIntPtr>(size),
+                    const_cast<std::uint8_t*>(data));
   }
 
   std::vector<std::uint8_t> GetChunk(bool isPreset) {
@@ -60,21 +59,6 @@ class FuzzPlug : public IPlugVST {
     for (int i = 0; i < kPresets; ++i) {
       Dispatch(effSetProgram, 0, i);
       CheckRanges();
-    }
-  }
-
- private:
-  static void Define(IParam* param, const ParamSpec& spec) {
-    const auto whole = [](double value) { return static_cast<int>(value); };
-    switch (spec.kind) {
-      case ParamKind::Bool: param->InitBool(spec.name, spec.defaultValue != 0.0, spec.label); break;
-      case ParamKind::Int:
-        param->InitInt(spec.name, whole(spec.defaultValue), whole(spec.min), whole(spec.max),
-                       spec.label);
-        break;
-      case ParamKind::Double:
-        param->InitDouble(spec.name, spec.defaultValue, spec.min, spec.max, spec.step, spec.label);
-        break;
     }
   }
 };

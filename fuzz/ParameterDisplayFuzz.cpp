@@ -1,20 +1,8 @@
 // A parameter and any floats as its value: every text fits its buffer, and a good value restores
 // the parameter.
 #include <cstring>
-#include <string>
 
 #include "fuzz/FuzzPlug.h"
-
-namespace {
-
-// In a buffer of the promised size, so that a byte too many is found.
-void Show(const IParam& param, double value, int flags) {
-  std::vector<char> text(IParam::kTextSize);
-  param.GetDisplayForHost(value, (flags & 1) != 0, text.data(), (flags & 2) != 0);
-  if (strnlen(text.data(), text.size()) == text.size()) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   double value = 0.0;
@@ -24,8 +12,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::memcpy(&normalized, data + 1 + sizeof value, sizeof normalized);
   FuzzPlug plug;
   const int id = data[0] % kNumParams;
-  for (int flags = 0; flags < 4; ++flags) Show(*plug.GetParam(id), value, flags);
+  // In a buffer of the promised size, so that a byte too many is found.
   std::vector<char> text(IParam::kTextSize);
+  for (const int flags : {0, 1, 2, 3}) {
+    plug.GetParam(id)->GetDisplayForHost(value, flags & 1, text.data(), flags & 2);
+    if (strnlen(text.data(), text.size()) == text.size()) std::abort();
+  }
   plug.Dispatch(effVendorSpecific, 7, id, text.data(), normalized);
   AEffect* effect = plug.GetAEffect();
   effect->setParameter(effect, id, normalized);

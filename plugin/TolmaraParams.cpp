@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "numeric/Convert.h"
+#include "plugin/DefineParam.h"
 #include "plugin/FactoryPresets.h"
 #include "plugin/Tolmara.h"
 
@@ -28,22 +29,7 @@ bool IsOn(double value) { return value != 0.0; }  // also true for a value that 
 }  // namespace
 
 void Tolmara::DefineParam(int id) {
-  IParam* param = GetParam(id);
-  if (!param) return;
-  const ParamSpec& spec = kParamTable[static_cast<size_t>(id)];
-  switch (spec.kind) {
-    case ParamKind::Bool:
-      param->InitBool(spec.name, IsOn(spec.defaultValue), spec.label, "");
-      break;
-    case ParamKind::Int:
-      param->InitInt(spec.name, static_cast<int>(spec.defaultValue), static_cast<int>(spec.min),
-                     static_cast<int>(spec.max), spec.label, "");
-      break;
-    case ParamKind::Double:
-      param->InitDouble(spec.name, spec.defaultValue, spec.min, spec.max, spec.step, spec.label,
-                        "");
-      break;
-  }
+  if (IParam* param = GetParam(id)) ::DefineParam(param, kParamTable[static_cast<size_t>(id)]);
 }
 
 void Tolmara::MakeFactoryPresets() {
