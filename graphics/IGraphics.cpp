@@ -65,11 +65,11 @@ void IGraphics::AttachPanelBackground(const IColor* color) {
 }
 
 void IGraphics::InsertBackground(std::unique_ptr<IControl> control) {
-  mControls.Insert(0, control.release());
+  mControls.InsertOwned(0, std::move(control));
 }
 
 int IGraphics::AttachControl(IControl* control) {
-  mControls.Add(control);
+  mControls.AddOwned(std::unique_ptr<IControl>(control));
   return mControls.GetSize() - 1;
 }
 

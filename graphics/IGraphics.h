@@ -186,7 +186,7 @@ class IGraphics {
   IRECT WithReach(IRECT rect) const;
   void PromptWithMenu(IControl* control, IParam* param, IRECT* rect);
 
-  PointerList<IControl> mControls;  // owned
+  OwnedPointerList<IControl> mControls;
   IPlugBase* mPlug;                 // not owned
   IRECT mDrawRECT;                  // what is being drawn
 

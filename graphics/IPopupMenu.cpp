@@ -5,7 +5,7 @@ IPopupMenuItem::IPopupMenuItem(const char* text, int flags, IPopupMenu* submenu)
     : mText(text), mSubmenu(submenu), mFlags(flags) {}
 
 void IPopupMenu::Insert(std::unique_ptr<IPopupMenuItem> item, int index) {
-  mMenuItems.Insert(index < 0 ? GetNItems() : index, item.release());
+  mMenuItems.InsertOwned(index < 0 ? GetNItems() : index, std::move(item));
 }
 
 void IPopupMenu::AddItem(const char* text, int index, int flags) {

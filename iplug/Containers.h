@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 // Growable raw storage. Resizing that fails leaves size and contents, so callers that care compare
 // the size afterwards. Bytes gained are not initialised.
@@ -86,9 +87,10 @@ class OwnedPointerList : public PointerList<T> {
  public:
   ~OwnedPointerList() { this->Empty(true); }
 
-  // Takes the item over; throws when there is no memory for its entry.
-  T* AddOwned(std::unique_ptr<T> item) {
-    if (!this->Add(item.get())) throw std::bad_alloc();
+  // Take the item over; throw when there is no memory for its entry.
+  T* AddOwned(std::unique_ptr<T> item) { return InsertOwned(this->GetSize(), std::move(item)); }
+  T* InsertOwned(int idx, std::unique_ptr<T> item) {
+    if (!this->Insert(idx, item.get())) throw std::bad_alloc();
     return item.release();
   }
 };
