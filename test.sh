@@ -25,8 +25,6 @@ fi
 cmake --build --preset "$preset"
 
 export UBSAN_OPTIONS=print_stacktrace=1
-# Its parser leaks a few bytes once, also in the programs that tests start.
-export LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0
 run=(ctest --test-dir "build/$preset" --output-on-failure -j2)
 # The thread sanitizer's shadow memory does not fit every layout that the kernel may draw.
 if [[ $preset == tsan ]] && setarch -R true 2>/dev/null; then
