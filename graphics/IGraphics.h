@@ -187,8 +187,8 @@ class IGraphics {
   void PromptWithMenu(IControl* control, IParam* param, IRECT* rect);
 
   OwnedPointerList<IControl> mControls;
-  IPlugBase* mPlug;                 // not owned
-  IRECT mDrawRECT;                  // what is being drawn
+  IPlugBase* mPlug;  // not owned
+  IRECT mDrawRECT;   // what is being drawn
 
  protected:
   bool mCursorHidden = false;
