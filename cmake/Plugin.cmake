@@ -5,7 +5,7 @@ target_sources(Tolmara PRIVATE ${CMAKE_SOURCE_DIR}/plugin/EntryPoints.cpp)
 target_link_libraries(Tolmara PRIVATE tolmara_options)
 set_target_properties(Tolmara PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}
   LINK_DEPENDS ${CMAKE_SOURCE_DIR}/plugin/exports.map LINKER_LANGUAGE CXX)
-tolmara_link(Tolmara plugin)
+tolmara_link(Tolmara plugin ${TOLMARA_WINDOWS})
 target_link_options(Tolmara PRIVATE
   -Wl,--version-script=${CMAKE_SOURCE_DIR}/plugin/exports.map -Wl,-Bsymbolic -Wl,-z,nodelete)
 if(NOT TOLMARA_SANITIZE)

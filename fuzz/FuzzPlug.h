@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "iplug/IPlugVST.h"
+#include "iplug/vst2/IPlugVST.h"
 #include "plugin/DefineParam.h"
 
 class FuzzPlug : public IPlugVST {

@@ -2,7 +2,7 @@
 #include "graphics/IControl.h"
 
 #include "graphics/IGraphics.h"
-#include "graphics/ITextControls.h"
+#include "graphics/controls/ITextControls.h"
 #include "iplug/IParam.h"
 #include "iplug/IPlugBase.h"
 

@@ -1,7 +1,7 @@
 // Life of the editor, its list of controls, and values that come from the plug-in.
 #include "graphics/IGraphics.h"
 
-#include "graphics/IControls.h"
+#include "graphics/controls/IControls.h"
 #include "graphics/lice/LICE_Bitmap.h"
 #include "iplug/IParam.h"
 #include "iplug/IPlugBase.h"

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "iplug/Hosts.h"
 #include "iplug/Numbers.h"
 #include "iplug/Trace.h"
+#include "iplug/vst2/Hosts.h"
 
 namespace {
 

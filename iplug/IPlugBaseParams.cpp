@@ -1,9 +1,9 @@
 // Parameters: changes from the editor, announcements, and their state as bytes.
 #include <cmath>
 
-#include "iplug/Hosts.h"
 #include "iplug/IPlugBase.h"
 #include "iplug/Trace.h"
+#include "iplug/vst2/Hosts.h"
 
 void IPlugBase::SetParameterFromGUI(int idx, double normalizedValue) {
   Trace("SetParameterFromGUI", __LINE__, "%d:%f", idx, normalizedValue);

@@ -1,5 +1,5 @@
 // The two exported entry points of the module.
-#include "iplug/IPlugVST.h"
+#include "iplug/vst2/IPlugVST.h"
 #include "plugin/Tolmara.h"
 
 #define TOLMARA_EXPORT extern "C" __attribute__((visibility("default")))

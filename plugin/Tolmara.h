@@ -7,7 +7,7 @@
 #include "convolution/ConvolutionPartitionedNonuniform.h"
 #include "dsp/FIROrtho.h"
 #include "dsp/StereoPanner.h"
-#include "iplug/IPlugVST.h"
+#include "iplug/vst2/IPlugVST.h"
 #include "numeric/AlignedVector.h"
 #include "plugin/ChannelRing.h"
 #include "plugin/ParamTable.h"

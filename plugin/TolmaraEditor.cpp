@@ -2,12 +2,12 @@
 #include <memory>
 
 #include "display/ITolmaraWaveformSpectrogram.h"
-#include "graphics/ICircleKnobMultiControlText.h"
-#include "graphics/IControls.h"
-#include "graphics/IFaderMultiControlText.h"
-#include "graphics/ILinkControls.h"
-#include "graphics/IPopupMenuControls.h"
 #include "graphics/PlatformGraphics.h"
+#include "graphics/controls/ICircleKnobMultiControlText.h"
+#include "graphics/controls/IControls.h"
+#include "graphics/controls/IFaderMultiControlText.h"
+#include "graphics/controls/ILinkControls.h"
+#include "graphics/controls/IPopupMenuControls.h"
 #include "plugin/Tolmara.h"
 
 namespace {

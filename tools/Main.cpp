@@ -7,10 +7,10 @@
 #include <exception>
 #include <iostream>
 
-#include "tools/AtomicFile.h"
-#include "tools/Commands.h"
-#include "tools/Failure.h"
-#include "tools/Nearest.h"
+#include "tools/commands/Commands.h"
+#include "tools/io/AtomicFile.h"
+#include "tools/io/Failure.h"
+#include "tools/io/Nearest.h"
 
 namespace {
 

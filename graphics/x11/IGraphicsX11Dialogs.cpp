@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "graphics/x11/ChildProcess.h"
-#include "graphics/x11/FileDialog.h"
 #include "graphics/x11/IGraphicsX11.h"
 #include "graphics/x11/LockPause.h"
+#include "graphics/x11/desktop/ChildProcess.h"
+#include "graphics/x11/desktop/FileDialog.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 #include <optional>
 
 #include "graphics/x11/MouseRouter.h"
-#include "graphics/x11/X11Clipboard.h"
-#include "graphics/x11/X11Connection.h"
 #include "graphics/x11/X11Ending.h"
-#include "graphics/x11/X11Keys.h"
-#include "graphics/x11/X11Menu.h"
-#include "graphics/x11/X11TextField.h"
-#include "graphics/x11/X11Window.h"
+#include "graphics/x11/server/X11Clipboard.h"
+#include "graphics/x11/server/X11Connection.h"
+#include "graphics/x11/server/X11Keys.h"
+#include "graphics/x11/server/X11Window.h"
+#include "graphics/x11/widgets/X11Menu.h"
+#include "graphics/x11/widgets/X11TextField.h"
 
 class IGraphicsX11;
 

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "graphics/x11/FileDescriptor.h"
+#include "graphics/x11/server/FileDescriptor.h"
 
 // Announced by any thread; seen as a flag and as a descriptor that stays readable.
 class X11Ending {

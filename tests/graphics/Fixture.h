@@ -10,7 +10,7 @@
 
 #include "graphics/IGraphicsOffscreen.h"
 #include "graphics/lice/LICE.h"
-#include "iplug/IPlugVST.h"
+#include "iplug/vst2/IPlugVST.h"
 
 using Calls = std::vector<std::string>;
 

@@ -1,6 +1,6 @@
 // Which controls a frame draws, and which pixels it may change.
-#include "graphics/IControls.h"
-#include "graphics/ITextControls.h"
+#include "graphics/controls/IControls.h"
+#include "graphics/controls/ITextControls.h"
 #include "tests/graphics/Fixture.h"
 #include "tests/support/AllocationGuard.h"
 

@@ -8,10 +8,10 @@
 #include <string>
 #include <thread>
 
-#include "graphics/ICircleKnobMultiControlText.h"
-#include "graphics/IControls.h"
-#include "graphics/IFaderMultiControlText.h"
-#include "graphics/ITextControls.h"
+#include "graphics/controls/ICircleKnobMultiControlText.h"
+#include "graphics/controls/IControls.h"
+#include "graphics/controls/IFaderMultiControlText.h"
+#include "graphics/controls/ITextControls.h"
 #include "tests/graphics/Fixture.h"
 
 namespace {

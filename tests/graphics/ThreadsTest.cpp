@@ -2,7 +2,7 @@
 #include <atomic>
 #include <thread>
 
-#include "graphics/ICircleKnobMultiControlText.h"
+#include "graphics/controls/ICircleKnobMultiControlText.h"
 #include "tests/graphics/Fixture.h"
 
 namespace {

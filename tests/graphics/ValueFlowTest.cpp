@@ -1,7 +1,7 @@
 // Values between controls and plug-in, in both directions.
 #include <limits>
 
-#include "graphics/ITextControls.h"
+#include "graphics/controls/ITextControls.h"
 #include "tests/graphics/Fixture.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "graphics/IGraphicsOffscreen.h"
-#include "iplug/IPlugVST.h"
+#include "iplug/vst2/IPlugVST.h"
 
 struct PlugOptions {
   const char* channelIO = "1-1 2-2";

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "iplug/vst2.h"
+#include "iplug/vst2/vst2.h"
 
 using Signal = std::vector<float>;
 struct Stereo {

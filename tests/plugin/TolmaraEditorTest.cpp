@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "display/ITolmaraWaveformSpectrogram.h"
-#include "graphics/ICircleKnobMultiControlText.h"
-#include "graphics/IControls.h"
-#include "graphics/IFaderMultiControlText.h"
 #include "graphics/IGraphicsOffscreen.h"
-#include "graphics/ILinkControls.h"
-#include "graphics/IPopupMenuControls.h"
+#include "graphics/controls/ICircleKnobMultiControlText.h"
+#include "graphics/controls/IControls.h"
+#include "graphics/controls/IFaderMultiControlText.h"
+#include "graphics/controls/ILinkControls.h"
+#include "graphics/controls/IPopupMenuControls.h"
 #include "plugin/ParamTable.h"
 #include "tests/plugin/TolmaraProbe.h"
 

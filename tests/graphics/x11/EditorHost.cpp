@@ -2,9 +2,9 @@
 
 #include <map>
 
-#include "graphics/IControls.h"
-#include "graphics/IKnobControls.h"
-#include "graphics/ITextControls.h"
+#include "graphics/controls/IControls.h"
+#include "graphics/controls/IKnobControls.h"
+#include "graphics/controls/ITextControls.h"
 #include "graphics/lice/LICE_Bitmap.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "graphics/x11/IGraphicsX11.h"
-#include "iplug/IPlugVST.h"
+#include "iplug/vst2/IPlugVST.h"
 #include "tests/graphics/x11/XServer.h"
 
 // As a server of 24 bits counts them: 0xRRGGBB.

@@ -7,7 +7,7 @@
 
 #include "graphics/lice/LICE_Bitmap.h"
 #include "graphics/lice/LICE_PNG.h"
-#include "graphics/x11/ChildProcess.h"
+#include "graphics/x11/desktop/ChildProcess.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace {

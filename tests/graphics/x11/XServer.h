@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "graphics/IGraphicsTypes.h"
-#include "graphics/x11/X11Connection.h"
-#include "graphics/x11/X11Screen.h"
+#include "graphics/x11/server/X11Connection.h"
+#include "graphics/x11/server/X11Screen.h"
 
 // Waits for a condition, far longer than it should take; returns whether it came true.
 bool Eventually(const std::function<bool()>& condition);

@@ -1,5 +1,5 @@
 // Shared objects that are no VST2 plug-in, each in its own way.
-#include "iplug/vst2.h"
+#include "iplug/vst2/vst2.h"
 
 extern "C" __attribute__((visibility("default"))) int SomethingElse() { return 42; }
 

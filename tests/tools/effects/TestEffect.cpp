@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "iplug/vst2.h"
+#include "iplug/vst2/vst2.h"
 
 namespace {
 

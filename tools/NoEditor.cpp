@@ -1,4 +1,0 @@
-// In place of the editor command where nothing is built that could show one.
-#include "tools/Commands.h"
-
-void AddEditorCommand(CLI::App&) {}

@@ -1,0 +1,21 @@
+// Preset and bank files against a loaded effect.
+#pragma once
+#include <string>
+#include <vector>
+
+#include "iplug/PresetFile.h"
+#include "tools/host/PluginHost.h"
+
+// Read whole and checked before anything changes. They throw Failure (ExitCode::Input) with one
+// line about what is wrong: damaged, or made for another effect.
+ProgramFile ReadProgramFile(const PluginHost& host, const std::string& path);
+BankFile ReadBankFile(const PluginHost& host, const std::string& path);
+bool IsBankFile(const std::string& path);  // by its mark
+
+// Gives the effect what a file holds; a bank's regular form goes program by program.
+void UseProgram(PluginHost& host, const ProgramFile& program, const std::string& path);
+void UseBankChunk(PluginHost& host, const BankFile& bank, const std::string& path);
+
+// The effect's present settings, and all its programs, in the form it keeps its state in.
+ProgramFile CurrentProgram(PluginHost& host);
+BankFile WholeBank(PluginHost& host);
