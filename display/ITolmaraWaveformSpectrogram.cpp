@@ -41,8 +41,8 @@ void ITolmaraWaveformSpectrogram::SetComputing(bool computing) {
   if (Load(mComputing) == computing) return;
   const std::lock_guard lock(mMutex);
   Store(mComputing, computing);
-  // A frame that has just drawn the old status and is about to clean the control must come again.
-  MarkRedraw();
+  // A frame that has drawn the old status and is about to clean the control has to come again.
+  if (IsInFrame()) MarkRedraw();
   SetDirty(true);
 }
 

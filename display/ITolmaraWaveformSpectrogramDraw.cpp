@@ -1,4 +1,5 @@
 // The drawing side of the display.
+#include <cmath>
 #include <string>
 
 #include "display/AdditivePolyline.h"
@@ -62,6 +63,7 @@ void ITolmaraWaveformSpectrogram::DrawTimeMarks(IGraphics& graphics) {
   for (int mark = 0; mark < 4; ++mark) {
     const double x =
         PositionOnLogAxis(static_cast<float>(count), mWaveLogStep, mWaveWidth, mWaveLeft);
+    if (!std::isfinite(x)) break;  // an empty response has no time axis
     const float seconds = static_cast<float>(count) / static_cast<float>(mSampleRate);
     DrawLabel(graphics, mTextTime, Fixed2(seconds), x - 24.0, labelTop);
     if (mark > 0) {
@@ -78,6 +80,7 @@ void ITolmaraWaveformSpectrogram::DrawLevelMarks(IGraphics& graphics) {
   float magnitude = mSpectrogram.get_fir_peak();
   for (int mark = 0; mark < 3; ++mark) {
     const double y = static_cast<double>(mWaveBottom - mWaveScaleY * magnitude);
+    if (!std::isfinite(y)) break;  // a silent response has no scale of levels
     DrawLabel(graphics, mTextMarks, Fixed2(mag_to_dB(magnitude)) + " dB", mWaveRect.R - 40.0, y);
     if (mark > 0) {
       graphics.DrawHorizontalLine(&mTextMarks.mColor, TruncateToPixel(y),
@@ -120,6 +123,7 @@ void ITolmaraWaveformSpectrogram::DrawFrequencyMarks(IGraphics& graphics) {
     const int frequency = rate / 2;
     const double y = frequency / (mSampleRate * -0.5) * static_cast<double>(mSpectrogramHeight) +
                      static_cast<double>(mSpectrogramBottom);
+    if (!std::isfinite(y)) break;  // no sample rate
     DrawLabel(graphics, mTextMarks, std::to_string(rate / 2000) + " kHz", mSpectrogramRect.R - 40.0,
               y);
     if (mark > 0) {

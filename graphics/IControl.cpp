@@ -95,6 +95,15 @@ void IControl::SetClean() {
 
 bool IControl::IsDirty() { return GetDirtyFlag(); }
 
+// Whoever sees false also sees the control as the frame has left it.
+void IControl::SetInFrame(bool inFrame) {
+  std::atomic_ref<bool>(mInFrame).store(inFrame, std::memory_order_release);
+}
+
+bool IControl::IsInFrame() const {
+  return std::atomic_ref<bool>(const_cast<bool&>(mInFrame)).load(std::memory_order_acquire);
+}
+
 void IControl::Animate() {}
 
 void IControl::SetAuxParamValueFromPlug(int auxIdx, double value) {

@@ -58,6 +58,10 @@ class IControl {
   IRECT GetReach() const { return mRECT.Union(mInk); }
   void SetInk(const IRECT& ink) { mInk = ink; }
   bool MaySkipFrames() const { return mMaySkipFrames; }
+  // True from before a frame draws the control until the frame has cleaned it.
+  void SetInFrame(bool inFrame);
+  bool IsInFrame() const;
+  void MarkRedraw() { Store(mRedraw, true); }  // stay dirty for one more frame
   int ParamIdx() const { return mParamIdx; }
   double GetValue() const { return Load(mValue); }
   double GetDefaultValue() const { return Load(mDefaultValue); }
@@ -94,8 +98,7 @@ class IControl {
 
   void SetValue(double value) { Store(mValue, value); }
   bool GetDirtyFlag() const { return Load(mDirty); }
-  void MarkDirty();                            // mDirty alone: no clamp, no push
-  void MarkRedraw() { Store(mRedraw, true); }  // stay dirty for one more frame
+  void MarkDirty();  // mDirty alone: no clamp, no push
   // What the parameter shows, with its texts; "" without one. `text` holds IParam::kTextSize.
   void GetParamDisplay(char* text) const;
 
@@ -121,4 +124,5 @@ class IControl {
   ITextControl* mNameDisplayControl = nullptr;  // shows the parameter's name; not owned
   IRECT mInk;                                   // texts of the last drawing; kept by IGraphics
   bool mMaySkipFrames = false;                  // where Draw answers false, the last picture stays
+  bool mInFrame = false;                        // being drawn; shared between threads
 };

@@ -61,7 +61,8 @@ void IGraphics::AttachBackground(int id, const char* name) {
 }
 
 void IGraphics::AttachPanelBackground(const IColor* color) {
-  InsertBackground(std::make_unique<IPanelControl>(mPlug, IRECT(0, 0, mWidth, mHeight), *color));
+  InsertBackground(
+      std::make_unique<IPanelControl>(mPlug, IRECT(0, 0, mWidth, mHeight), -1, *color));
 }
 
 void IGraphics::InsertBackground(std::unique_ptr<IControl> control) {

@@ -66,10 +66,12 @@ void IGraphics::DrawInside(const IRECT& area, bool clean) {
   mDrawBitmap.swap(mFrameBitmap);
   for (IControl* control : mControls) {
     const IRECT reach = control->GetReach();
+    control->SetInFrame(true);
     if (!control->IsHidden() && reach.Intersects(area) && !DrawControl(control)) {
       copy(*mDrawBitmap, *mFrameBitmap, reach);
     }
     if (clean) control->SetClean();
+    control->SetInFrame(false);
   }
   mDrawBitmap.swap(mFrameBitmap);
   copy(*mDrawBitmap, *mFrameBitmap, area);
@@ -78,7 +80,10 @@ void IGraphics::DrawInside(const IRECT& area, bool clean) {
 // False if the control skipped the frame, so that its last picture is to stay.
 bool IGraphics::DrawControl(IControl* control) {
   mInk.Clear();
-  if (!control->Draw(this) && control->MaySkipFrames()) return false;
+  if (!control->Draw(this) && control->MaySkipFrames()) {
+    control->MarkRedraw();  // what it could not draw now is drawn with the next frame
+    return false;
+  }
   control->SetInk(mInk);
   return true;
 }

@@ -97,7 +97,7 @@ IRECT Placed(const IRECT& rect, const LICE_Rect& extent, int align) {
   } else if (align == IText::kAlignFar) {
     r.L = r.R - width;
   } else {
-    r.L = (rect.L + rect.R) / 2 - width / 2;
+    r.L = LICE_CentredLeft(rect.L, rect.R, width);
     r.R = r.L + width;
   }
   r.B = r.T + height;

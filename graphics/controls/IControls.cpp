@@ -8,8 +8,8 @@ int FrameOf(double value, int nFrames) {
   return std::clamp(TruncateToPixel((nFrames - 1) * value + 0.5) + 1, 1, nFrames);
 }
 
-IPanelControl::IPanelControl(IPlugBase* plug, IRECT rect, const IColor& color)
-    : IControl(plug, rect), mColor(color) {}
+IPanelControl::IPanelControl(IPlugBase* plug, IRECT rect, int paramIdx, const IColor& color)
+    : IControl(plug, rect, paramIdx), mColor(color) {}
 
 bool IPanelControl::Draw(IGraphics* graphics) {
   return graphics->FillIRect(&mColor, &mRECT, &mBlend);

@@ -13,7 +13,7 @@ int FrameOf(double value, int nFrames);
 // A filled rectangle.
 class IPanelControl : public IControl {
  public:
-  IPanelControl(IPlugBase* plug, IRECT rect, const IColor& color);
+  IPanelControl(IPlugBase* plug, IRECT rect, int paramIdx, const IColor& color);
   bool Draw(IGraphics* graphics) override;
 
  private:

@@ -7,9 +7,6 @@
 #include "iplug/IParam.h"
 #include "iplug/IPlugBase.h"
 
-ITextControl::ITextControl(IPlugBase* plug, IRECT rect, const IText& text, const char* str)
-    : ITextControl(plug, rect, -1, text, str) {}
-
 ITextControl::ITextControl(IPlugBase* plug, IRECT rect, int paramIdx, const IText& text,
                            const char* str)
     : IControl(plug, rect, paramIdx), mStr(str) {
@@ -48,9 +45,10 @@ bool ICaptionControl::Draw(IGraphics* graphics) {
   return ITextControl::Draw(graphics);
 }
 
-IBitmapTextControl::IBitmapTextControl(IPlugBase* plug, IRECT rect, const IBitmap& textBitmap,
-                                       const char* str, int charWidth, int charHeight)
-    : IControl(plug, rect),
+IBitmapTextControl::IBitmapTextControl(IPlugBase* plug, IRECT rect, int paramIdx,
+                                       const IBitmap& textBitmap, const char* str, int charWidth,
+                                       int charHeight)
+    : IControl(plug, rect, paramIdx),
       mStr(str),
       mCharWidth(charWidth),
       mCharHeight(charHeight),

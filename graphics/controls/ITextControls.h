@@ -7,15 +7,13 @@
 // A fixed text.
 class ITextControl : public IControl {
  public:
-  ITextControl(IPlugBase* plug, IRECT rect, const IText& text, const char* str = "");
+  ITextControl(IPlugBase* plug, IRECT rect, int paramIdx, const IText& text, const char* str = "");
   bool Draw(IGraphics* graphics) override;
 
   void SetTextFromPlug(const char* text);  // an equal text changes nothing
   const char* GetTextString() const { return mStr.Get(); }
 
  protected:
-  ITextControl(IPlugBase* plug, IRECT rect, int paramIdx, const IText& text, const char* str);
-
   HeapString mStr;
 };
 
@@ -35,8 +33,8 @@ class ICaptionControl : public ITextControl {
 // One line of text in a font of pictures: frame 1 is the blank, cell after cell in character order.
 class IBitmapTextControl : public IControl {
  public:
-  IBitmapTextControl(IPlugBase* plug, IRECT rect, const IBitmap& textBitmap, const char* str,
-                     int charWidth, int charHeight);
+  IBitmapTextControl(IPlugBase* plug, IRECT rect, int paramIdx, const IBitmap& textBitmap,
+                     const char* str, int charWidth, int charHeight);
   bool Draw(IGraphics* graphics) override;
 
   void SetTextFromPlug(const char* text);  // an equal text changes nothing

@@ -41,15 +41,17 @@ struct LICE_BytewiseMode {
 
 struct LICE_CopyMode : LICE_BytewiseMode<LICE_CopyMode> {
   static constexpr int Byte(int d, int s, int a) { return s + (d - s) * (256 - a) / 256; }
-  // Alpha accumulates here instead of being mixed, so that what is drawn on a transparent bitmap
-  // can be drawn on from there.
+  // Mixes the colours and adds `alpha` to the destination's alpha, so that what is drawn on a
+  // transparent bitmap can be drawn on from there.
+  static constexpr LICE_pixel MixOver(LICE_pixel d, LICE_pixel s, int a, int alpha) {
+    return LICE_RGBA_CLAMP(Byte(LICE_GETR(d), LICE_GETR(s), a), Byte(LICE_GETG(d), LICE_GETG(s), a),
+                           Byte(LICE_GETB(d), LICE_GETB(s), a), LICE_GETA(d) + alpha);
+  }
   static constexpr LICE_pixel MixAlpha(LICE_pixel d, LICE_pixel s, int a) {
     const int sa = LICE_GETA(s);
     if (sa == 0) return d;
     const int weight = LICE_AlphaWeight(s, a);
-    return LICE_RGBA_CLAMP(
-        Byte(LICE_GETR(d), LICE_GETR(s), weight), Byte(LICE_GETG(d), LICE_GETG(s), weight),
-        Byte(LICE_GETB(d), LICE_GETB(s), weight), LICE_GETA(d) + (a == 256 ? sa : weight));
+    return MixOver(d, s, weight, a == 256 ? sa : weight);
   }
 };
 

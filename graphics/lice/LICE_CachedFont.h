@@ -22,6 +22,11 @@ struct LICE_Rect {
   int left, top, right, bottom;  // right and bottom are outside
 };
 
+// Where a text of that width begins when it is centred between two columns.
+constexpr int LICE_CentredLeft(int left, int right, int width) {
+  return (left + right) / 2 - width / 2;
+}
+
 // A font as text is drawn with: glyphs are rendered at their first use and kept, sorted by
 // character code. One thread at a time: who shares a font holds a lock from the choice of the
 // colour to the end of the text that it is meant for.

@@ -20,12 +20,24 @@ struct LICE_ModePen {
   }
 };
 
-// Fast path: a copy at full weight stores the colour.
-struct LICE_StorePen : LICE_ModePen<LICE_CopyMode> {
-  LICE_pixel operator()(LICE_pixel) const { return color; }
+// A copy by the colour's alpha, which the weight already holds: the destination's alpha adds up as
+// under a bitmap.
+struct LICE_OverPen {
+  LICE_pixel color;
+  int a;
+
+  LICE_pixel operator()(LICE_pixel d) const { return LICE_CopyMode::MixOver(d, color, a, a); }
   LICE_pixel operator()(LICE_pixel d, int coverage) const {
-    return LICE_ModePen::operator()(d, coverage);
+    const int weight = a * coverage / 256;
+    return LICE_CopyMode::MixOver(d, color, weight, weight);
   }
+};
+
+// Fast path: a copy at full weight stores the colour. `Pen` is the copy that it stands for.
+template <typename Pen>
+struct LICE_StorePen : Pen {
+  LICE_pixel operator()(LICE_pixel) const { return Pen::color; }
+  LICE_pixel operator()(LICE_pixel d, int coverage) const { return Pen::operator()(d, coverage); }
 };
 
 // Adds four bytes, each up to 255.
@@ -66,14 +78,24 @@ template <typename Fn>
   LICE_WithMode(mode, [&]<typename Mode>(Mode) { fn(LICE_ModePen<Mode>{color, a}); });
 }
 
+template <typename Pen, typename Fn>
+void LICE_WithCopyPen(const Pen& pen, const Fn& fn) {
+  if (pen.a == 256) return fn(LICE_StorePen<Pen>{pen});
+  fn(pen);
+}
+
 // Calls `fn` with the pen of a colour; not at all if it would paint nothing.
 template <typename Fn>
 void LICE_WithPen(LICE_pixel color, float alpha, int mode, const Fn& fn) {
-  if (mode & LICE_BLIT_USE_ALPHA) alpha *= static_cast<float>(LICE_GETA(color)) / 255.0f;
+  const bool useAlpha = (mode & LICE_BLIT_USE_ALPHA) != 0;
+  if (useAlpha) alpha *= static_cast<float>(LICE_GETA(color)) / 255.0f;
   const int a = LICE_Weight256(alpha);
   if (a == 0) return;
   const int op = mode & LICE_BLIT_MODE_MASK;
-  if (op == LICE_BLIT_MODE_COPY && a == 256) return fn(LICE_StorePen{{color, a}});
+  if (op == LICE_BLIT_MODE_COPY && useAlpha) return LICE_WithCopyPen(LICE_OverPen{color, a}, fn);
+  if (op == LICE_BLIT_MODE_COPY) {
+    return LICE_WithCopyPen(LICE_ModePen<LICE_CopyMode>{color, a}, fn);
+  }
   if (op == LICE_BLIT_MODE_ADD && a > 0 && a <= 256) return fn(LICE_AddPen(color, a));
   LICE_WithModePen(color, a, mode, fn);
 }

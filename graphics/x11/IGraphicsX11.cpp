@@ -141,10 +141,9 @@ void IGraphicsX11::EndUserInput() {
 }
 
 IPopupMenu* IGraphicsX11::CreateIPopupMenu(IPopupMenu* menu, IRECT* rect) {
-  X11Editor* editor = EditorHere();
-  if (!editor) return nullptr;
   ReleaseMouseCapture();
-  if (!menu || !rect) return nullptr;
+  X11Editor* editor = EditorHere();
+  if (!editor || !menu || !rect) return nullptr;
   const LockPause pause(GetPlug());
   return editor->RunMenu(*menu, {rect->L, rect->B + kMenuDistance});
 }

@@ -121,8 +121,8 @@ VstIntPtr VSTDispatch::MainsChanged(IPlugVST& plug, const VSTCall& call) {
 }
 
 VstIntPtr VSTDispatch::EditGetRect(IPlugVST& plug, const VSTCall& call) {
-  if (!plug.HasEditor() || !call.ptr) return 0;
-  *static_cast<ERect**>(call.ptr) = &plug.mEditRect;
+  if (!plug.HasEditor()) return 0;
+  if (call.ptr) *static_cast<ERect**>(call.ptr) = &plug.mEditRect;
   return 1;
 }
 

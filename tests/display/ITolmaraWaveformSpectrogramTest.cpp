@@ -197,9 +197,11 @@ TEST(Display, LocksAndDirtiesOnlyForAChangeOfTheStatus) {
   EXPECT_EQ(count.locks(), 1);
   EXPECT_TRUE(display.IsDirty());
   display.SetClean();
-  EXPECT_TRUE(display.IsDirty()) << "a frame may have drawn the old status just before";
+  EXPECT_FALSE(display.IsDirty()) << "one frame is enough";
+  display.SetInFrame(true);
+  display.SetComputing(false);
   display.SetClean();
-  EXPECT_FALSE(display.IsDirty());
+  EXPECT_TRUE(display.IsDirty()) << "the frame may have drawn the old status";
 }
 
 TEST(Display, DrawsNothingWhileAResponseIsPrepared) {
@@ -228,7 +230,7 @@ TEST(Display, DrawsNothingWhileAResponseIsPrepared) {
   EXPECT_EQ(canvas.labels[1].find("19.99 at"), 0U);
 }
 
-TEST(Display, SurvivesSilenceAndValuesThatAreNoNumbers) {
+TEST(Display, DrawsNoMarkWhosePositionIsNoNumber) {
   constexpr float infinity = std::numeric_limits<float>::infinity();
   for (const float value : {0.0F, -infinity, std::numeric_limits<float>::quiet_NaN(), 3e38F}) {
     AlignedVector<float> fir(1000);
@@ -236,12 +238,16 @@ TEST(Display, SurvivesSilenceAndValuesThatAreNoNumbers) {
     Display display(48000, fir);
     Canvas canvas;
     EXPECT_TRUE(display.Draw(&canvas));
-    EXPECT_EQ(canvas.labels.size(), 13U);
+    const bool hasLevels = value == 3e38F;
+    EXPECT_EQ(canvas.labels.size(), hasLevels ? 13U : 10U) << value;
     EXPECT_EQ(canvas.GetPoint(300, 242), kMarks) << value;
+    EXPECT_EQ(canvas.GetPoint(300, 0), kColorBlack) << value;
   }
   Display empty(48000, {});
   Canvas canvas;
   EXPECT_TRUE(empty.Draw(&canvas));
+  EXPECT_EQ(canvas.labels.size(), 6U) << "the status, two units and the frequencies";
+  EXPECT_EQ(canvas.GetPoint(0, 50), kColorBlack);
 }
 
 }  // namespace

@@ -70,8 +70,8 @@ TEST_F(Frame, PartialFramesLeaveThePictureOfAWholeOne) {
   graphics->AttachPanelBackground(&kColorGray);
   Attach<Glow>(IRECT(20, 20, 120, 80));
   // Texts that stand out of their rectangles, one over the other.
-  auto* text = Attach<ITextControl>(IRECT(60, 40, 70, 54), IText(14, kColorRed), "a long text");
-  Attach<ITextControl>(IRECT(90, 45, 95, 54), IText(14, kColorGreen), "neighbour");
+  auto* text = Attach<ITextControl>(IRECT(60, 40, 70, 54), -1, IText(14, kColorRed), "a long text");
+  Attach<ITextControl>(IRECT(90, 45, 95, 54), -1, IText(14, kColorGreen), "neighbour");
   Attach<IBitmapControl>(150, 10, -1, FramesOf(20, 20, {kColorBlue}));
   Show();
   for (const bool strict : {true, false}) {

@@ -49,8 +49,8 @@ TEST_F(ValueFlow, RealValuesAreNormalisedAndAuxiliaryParametersFollow) {
 
 TEST_F(ValueFlow, AChangeByTheUserIsClampedPushedOnceAndShownByLinkedTexts) {
   auto* count = Attach<ProbeControl>(IRECT(0, 0, 10, 10), kCount);
-  auto* value = Attach<ITextControl>(IRECT(10, 0, 50, 10), IText());
-  auto* name = Attach<ITextControl>(IRECT(50, 0, 90, 10), IText());
+  auto* value = Attach<ITextControl>(IRECT(10, 0, 50, 10), -1, IText());
+  auto* name = Attach<ITextControl>(IRECT(50, 0, 90, 10), -1, IText());
   count->SetValDisplayControl(value);
   count->SetNameDisplayControl(name);
   Show();

@@ -184,7 +184,7 @@ TEST_F(StockControls, ACaptionShowsValueAndUnitAndOpensTypedEntry) {
 TEST_F(StockControls, BitmapTextDrawsOneCellACharacterAndStopsAtTheEdge) {
   // Frames from the blank on: blank clear, '!' red, '"' green, '#' blue.
   const IBitmap font = FramesOf(6, 8, {kColorBlack, kColorRed, kColorGreen, kColorBlue});
-  auto* text = Attach<IBitmapTextControl>(IRECT(10, 10, 70, 30), font, "!#", 6, 8);
+  auto* text = Attach<IBitmapTextControl>(IRECT(10, 10, 70, 30), -1, font, "!#", 6, 8);
   Show();
   EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(34, 16, 40, 24));
   EXPECT_EQ(graphics->BoundsOf(kBlue), IRECT(40, 16, 46, 24));

@@ -143,7 +143,10 @@ TEST(Blit, AndFillEqualOnePixelAtATimeInEveryModeAndClipping) {
     const float share = mode & kAlpha ? static_cast<float>(LICE_GETA(color)) / 255.0f : 1.0f;
     const int fill = static_cast<int>(weight * share * 256.0f);
     expected = PaintedOneByOne(*dest, dx, dy, w, h, [&](LICE_pixel& d, int, int) {
-      if (fill) d = MixPixel(d, color, fill, mode, false);
+      if (!fill) return;
+      const int alpha = std::clamp(LICE_GETA(d) + fill, 0, 255);  // copied alpha adds up
+      d = MixPixel(d, color, fill, mode, false);
+      if (mode == (kCopy | kAlpha)) d = (d & ~LICE_pixel{0xFF}) | static_cast<LICE_pixel>(alpha);
     });
     LICE_FillRect(dest.get(), dx, dy, w, h, color, weight, mode);
     ASSERT_TRUE(SameScreen(*dest, expected)) << "fill, seed " << seed << " mode " << mode;

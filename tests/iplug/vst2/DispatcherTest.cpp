@@ -264,6 +264,7 @@ TEST(Editor, OpensAndClosesWithItsSizeTold) {
   rig.plug->AttachGraphics(new FakeEditor(rig.plug.get()));
   EXPECT_NE(rig.effect->flags & effFlagsHasEditor, 0);
   EXPECT_EQ(rig.Dispatch(effEditGetRect, 0, 0, &rect), 1);
+  EXPECT_EQ(rig.Dispatch(effEditGetRect), 1) << "there is an editor, wherever the answer goes";
   EXPECT_EQ(rect->right - rect->left, 300);
   EXPECT_EQ(rect->bottom - rect->top, 200);
   rig.plug->ResizeGraphics();
