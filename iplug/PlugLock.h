@@ -2,8 +2,9 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <thread>
+
+#include "iplug/InheritingMutex.h"
 
 // A recursive lock made of a plain mutex, the id of the owning thread and a depth. One of them
 // keeps a plug-in's audio, host and editor threads apart. Any thread; Release only by the owner.
@@ -53,7 +54,7 @@ class PlugLock {
   Owner LoadOwner() const;
   void StoreOwner(Owner owner);
 
-  std::mutex mMutex;
+  InheritingMutex mMutex;
   // Read without the mutex: only the owner can find its own id there.
   alignas(std::atomic_ref<Owner>::required_alignment) mutable Owner mOwner{};
   int mDepth = 0;  // holds beyond the first; the owner's

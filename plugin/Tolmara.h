@@ -29,9 +29,10 @@ struct DimSetting {
 // A stereo reverb whose response is computed from the room settings.
 //
 // The host's threads and the editor meet in the recursive lock of IPlugBase, held for a whole block
-// and for every parameter change. A render runs on one worker thread at a time, takes no lock and
-// owns mConvNext and mFIR while mWorkerIdle is false; the audio path keeps the response it has
-// until the new one is finished, and exchanges two pointers between two blocks.
+// and for every parameter change. A render runs on one worker thread at a time. It takes no lock
+// but the display's mutex, which the audio path never takes, and owns mConvNext, mFIR and
+// mRenderFailed while mWorkerIdle is false; the audio path keeps the response it has until the new
+// one is finished, and exchanges two pointers between two blocks.
 class Tolmara : public IPlugVST {
  public:
   // Builds the editor's objects, the presets and the first response: takes as long as one render.
@@ -113,8 +114,10 @@ class Tolmara : public IPlugVST {
   void ServiceWorker();
   void StartWorker();
   RenderSettings CurrentSettings() const;
-  // Renders into the target set. Worker thread with mConvNext, or synchronously with mConvActive.
+  // Builds a new pair and then exchanges it for the target set, or leaves that for want of memory.
+  // Worker thread with mConvNext, or synchronously with mConvActive.
   void RenderResponse(const RenderSettings& settings, ConvolverSet& target);
+  ConvolverSet BuildConvolvers(const RenderSettings& settings);  // two nulls without a room
   // The whole response, or an empty one if no dimension is enabled.
   AlignedVector<float> Response(const RenderSettings& settings);
   AlignedVector<float> Synthesise(const RenderSettings& settings,
@@ -158,9 +161,10 @@ class Tolmara : public IPlugVST {
   PhaseFilterState mPhaseFilter;
   float mPrevGain = 1.0f;  // linear
   float mPrevMix = 1.0f;
-  ConvolverSet mConvActive;  // what sounds; two nulls without a room
-  ConvolverSet mConvNext;    // the last render, or the pair that the last swap retired
-  bool mFirDirty = false;    // the response's settings changed since the last render began
+  ConvolverSet mConvActive;    // what sounds; two nulls without a room
+  ConvolverSet mConvNext;      // the last render, or the pair that the last swap retired
+  bool mFirDirty = false;      // settings changed since a worker last began; Reset leaves it set
+  bool mRenderFailed = false;  // the last render had no memory; the worker's while it runs
   WorkerState mWorkerState = {true, false};  // stored by the worker, read by the audio thread
   std::thread mWorker;
   ITolmaraWaveformSpectrogram* mDisplay = nullptr;  // owned by the graphics object

@@ -71,6 +71,8 @@ void Tolmara::Reset() {
     DestroyPanner();
     BuildPanner();
     if (mWorker.joinable()) mWorker.join();
+    // A pair made for another block cannot sound any more, and the new one may need its memory.
+    if (mBlockSize != oldBlockSize) mConvActive.clear();
     RenderNow();
   }
   for (ChannelRing* ring : {&mRingLeft, &mRingRight}) ring->Clear();

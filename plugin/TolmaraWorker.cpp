@@ -7,6 +7,7 @@
 
 #include "display/ITolmaraWaveformSpectrogram.h"
 #include "dsp/FIRFunctions.h"
+#include "iplug/StartThread.h"
 #include "numeric/Convert.h"
 #include "plugin/FlushToZero.h"
 #include "plugin/ResponseShaping.h"
@@ -37,8 +38,9 @@ void Tolmara::StoreWorkerState(WorkerState state) {
 void Tolmara::ServiceWorker() {
   const WorkerState state = LoadWorkerState();
   if (!state.mWorkerIdle) return;
-  if (mFirDirty) {
+  if (mFirDirty || mRenderFailed) {
     mFirDirty = false;
+    mRenderFailed = false;
     StartWorker();
   } else if (state.mSwapPending) {
     StoreWorkerState({true, false});
@@ -50,8 +52,10 @@ void Tolmara::StartWorker() {
   if (mWorker.joinable()) mWorker.join();
   StoreWorkerState({false, LoadWorkerState().mSwapPending});
   try {
-    mWorker =
-        std::thread([this, settings = CurrentSettings()] { RenderResponse(settings, mConvNext); });
+    mWorker = StartThread("tolmara-render", [this, settings = CurrentSettings()] {
+      mConvNext.clear();  // retired pairs are freed here, never on the audio thread
+      RenderResponse(settings, mConvNext);
+    });
   } catch (const std::system_error& error) {
     throw std::system_error(error.code(), "thread constructor failed");
   }
@@ -64,6 +68,7 @@ Tolmara::RenderSettings Tolmara::CurrentSettings() const {
 }
 
 void Tolmara::RenderNow() {
+  mConvActive.resize(2);
   RenderResponse(CurrentSettings(), mConvActive);
   StoreWorkerState({true, false});  // the audio path already has the result
 }
@@ -71,28 +76,32 @@ void Tolmara::RenderNow() {
 void Tolmara::RenderResponse(const RenderSettings& settings, ConvolverSet& target) {
   const ScopedFlushToZero flushToZero;  // subnormals slow the decay stage down many times
   mDisplay->SetComputing(true);
-  target.clear();  // retired pairs are freed here, never on the audio thread
-  target.resize(2);
-  bool finished = true;
   try {
-    AlignedVector<float> h = Response(settings);
-    if (!h.empty()) {
-      const int power = PartitionPower(settings.maxFFTPow, settings.blockSize);
-      for (auto& convolver : target) {
-        convolver = std::make_unique<Convolver>(settings.blockSize, h, power);
-      }
-    } else {
-      h.assign(1, 1.0f);
-    }
-    mDisplay->SetResponse(settings.sampleRate, h);
+    ConvolverSet(BuildConvolvers(settings)).swap(target);
+    mRenderFailed = false;
   } catch (const std::exception&) {
-    // No memory beside the sample buffers: what a worker was to replace goes on sounding.
-    for (auto& convolver : target) convolver.reset();
+    // No memory beside the sample buffers: the target stays, so that what sounds goes on sounding,
+    // and the next block starts the render again.
     mFIR.reset();
-    finished = false;
+    mRenderFailed = true;
   }
   mDisplay->SetComputing(false);
-  StoreWorkerState({true, finished});
+  StoreWorkerState({true, !mRenderFailed});
+}
+
+Tolmara::ConvolverSet Tolmara::BuildConvolvers(const RenderSettings& settings) {
+  ConvolverSet convolvers(2);
+  AlignedVector<float> h = Response(settings);
+  if (!h.empty()) {
+    const int power = PartitionPower(settings.maxFFTPow, settings.blockSize);
+    for (auto& convolver : convolvers) {
+      convolver = std::make_unique<Convolver>(settings.blockSize, h, power);
+    }
+  } else {
+    h.assign(1, 1.0f);
+  }
+  mDisplay->SetResponse(settings.sampleRate, h);
+  return convolvers;
 }
 
 AlignedVector<float> Tolmara::Response(const RenderSettings& settings) {
@@ -107,7 +116,7 @@ AlignedVector<float> Tolmara::Response(const RenderSettings& settings) {
 
   AlignedVector<float> h = Synthesise(settings, room);
   const int n = static_cast<int>(h.size());
-  // kept: the one setting that a running render sees change
+  // kept: the one setting that a running render sees change, because sessions were made with it
   const float reversePercent = std::atomic_ref(mReversePercent).load(std::memory_order_relaxed);
   ReverseHead(h, reversePercent);
   CutLows(h, settings.sampleRate, settings.lowCutFreq, settings.lowCutTaps);

@@ -2,8 +2,6 @@
 #include "graphics/x11/IGraphicsX11.h"
 
 #include <fcntl.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/socket.h>
 
 #include <chrono>
@@ -11,27 +9,12 @@
 
 #include "graphics/lice/LICE_Bitmap.h"
 #include "graphics/x11/LockPause.h"
+#include "iplug/StartThread.h"
 
 namespace {
 
 constexpr int kMenuDistance = 4;              // pixels between a control and its menu
 constexpr std::chrono::seconds kPatience{2};  // with a server that takes nothing any more
-
-// All signals are for the host's threads; a thread inherits the mask of the one that makes it.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &mBefore);
-  }
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
- private:
-  sigset_t mBefore;
-};
 
 void* AsPointer(xcb_window_t window) {
   return reinterpret_cast<void*>(static_cast<uintptr_t>(window));
@@ -73,9 +56,10 @@ bool IGraphicsX11::StartThread(xcb_window_t parent) {
   std::promise<void> ended;
   mEnded = ended.get_future();
   try {
-    const SignalsBlocked signals;
-    mThread =
-        std::thread(&IGraphicsX11::RunEditor, this, parent, std::move(opened), std::move(ended));
+    mThread = ::StartThread("tolmara-editor", [this, parent, opened = std::move(opened),
+                                               ended = std::move(ended)]() mutable {
+      RunEditor(parent, std::move(opened), std::move(ended));
+    });
   } catch (const std::system_error&) {
     return false;
   }
@@ -97,7 +81,6 @@ void IGraphicsX11::EndThread() {
 
 void IGraphicsX11::RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened,
                              std::promise<void> ended) {
-  pthread_setname_np(pthread_self(), "tolmara-editor");
   mEditorThread.store(std::this_thread::get_id(), std::memory_order_relaxed);
   {
     X11Editor editor(*this, mEnding);

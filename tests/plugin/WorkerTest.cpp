@@ -105,6 +105,44 @@ TEST(Worker, AThreadThatCannotStartSaysSoAndLeavesTheOldResponseUntilTheNextForm
   EXPECT_NE(probe.Active(0), nullptr);
 }
 
+TEST(Worker, WithoutMemoryTheOldResponseSoundsOnAndTheNextBlockTriesAgain) {
+  TolmaraProbe probe;
+  const void* const sounding = probe.Active(0);
+  const auto catchUp = [&probe] {
+    const void* const before = probe.Active(0);
+    EXPECT_FALSE(probe.SwapPending());
+    probe.Settle();
+    EXPECT_NE(probe.Active(0), nullptr);
+    EXPECT_NE(probe.Active(0), before);
+  };
+  {
+    const RefusedSize noMemory(sizeof(ConvolutionPartitionedNonuniform<float>));
+    probe.Set(kTimeStretch, 2.0);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+      probe.SilentBlock();
+      EXPECT_FALSE(probe.Dirty());
+      probe.WaitForWorker();
+    }
+    EXPECT_EQ(probe.Active(0), sounding);
+  }
+  catchUp();
+  const void* const next = probe.Active(0);
+  {
+    const RefusedSize noMemory(sizeof(ConvolutionPartitionedNonuniform<float>));
+    probe.SetFormat(64, 48000);
+    EXPECT_EQ(probe.Active(0), next) << "at another rate, yet with sound";
+  }
+  catchUp();
+  {
+    const RefusedSize noMemory(sizeof(ConvolutionPartitionedNonuniform<float>));
+    probe.SetFormat(100, 48000);
+    EXPECT_EQ(probe.Active(0), nullptr) << "a pair for blocks of 64 cannot run";
+    probe.SilentBlock();
+    probe.WaitForWorker();
+  }
+  catchUp();
+}
+
 TEST(Worker, OnlyChangesOfTheResponseStartARender) {
   TolmaraProbe probe;
   const auto expect = [&probe](int id, double value, bool renders) {

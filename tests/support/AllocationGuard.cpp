@@ -4,7 +4,9 @@
 #include <errno.h>
 #include <pthread.h>
 
+#include <atomic>
 #include <cstddef>
+#include <new>
 
 #if defined(__has_feature)
 #define TOLMARA_HAS_FEATURE(name) __has_feature(name)
@@ -23,6 +25,7 @@ namespace {
 constinit thread_local long allocation_count = 0;
 constinit thread_local long free_count = 0;
 constinit thread_local long lock_count = 0;
+constinit std::atomic<std::size_t> refused_size = 0;
 
 // The thread sanitizer calls no hook for aligned allocations.
 void count_unhooked_allocation() {
@@ -124,6 +127,14 @@ int __wrap_posix_memalign(void** out, std::size_t alignment, std::size_t size);
 void* __real_aligned_alloc(std::size_t alignment, std::size_t size);
 void* __wrap_aligned_alloc(std::size_t alignment, std::size_t size);
 
+void* __real__Znwm(std::size_t size);  // operator new
+void* __wrap__Znwm(std::size_t size);
+
+void* __wrap__Znwm(std::size_t size) {
+  if (size == refused_size.load(std::memory_order_relaxed)) throw std::bad_alloc();
+  return __real__Znwm(size);
+}
+
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   ++lock_count;
   return __real_pthread_mutex_lock(mutex);
@@ -148,3 +159,6 @@ long AllocationGuard::frees() const { return free_count - frees_before; }
 
 LockCount::LockCount() : locks_before(lock_count) {}
 long LockCount::locks() const { return lock_count - locks_before; }
+
+RefusedSize::RefusedSize(std::size_t size) { refused_size = size; }
+RefusedSize::~RefusedSize() { refused_size = 0; }

@@ -2,6 +2,8 @@
 // promise none.
 #pragma once
 
+#include <cstddef>
+
 // Counts the heap calls made by the thread that constructed it, from then on. Guards may nest.
 // Every road to the heap counts, whichever library takes it: operator new, malloc and its kin,
 // aligned allocation. Works in plain builds and under the address and thread sanitizers.
@@ -26,4 +28,12 @@ class LockCount {
 
  private:
   long locks_before;
+};
+
+// While one exists, operator new refuses blocks of exactly that size, on every thread, to code that
+// is linked into the test program. For tests of what happens without memory.
+class RefusedSize {
+ public:
+  explicit RefusedSize(std::size_t size);
+  ~RefusedSize();
 };
