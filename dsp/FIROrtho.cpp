@@ -200,8 +200,10 @@ float FIROrtho<T>::dB_to_radius_attenuation(float dB, int /*D*/, float g) const 
 template <class T>
 float FIROrtho<T>::attenuation_divisor_at_dist(float dist, int D, float g) const {
   const float exponent = static_cast<float>(D - 1) * 0.5f * g;
-  return static_cast<float>(std::pow(static_cast<double>(dist), static_cast<double>(exponent)) +
-                            1.0);
+  // Where the time curve rounds to a distance just below 0, a power of it would be NaN. In this
+  // order of arguments max keeps a NaN and both zeros as they are.
+  const double from_0 = std::max(dist, 0.0f);
+  return static_cast<float>(std::pow(from_0, static_cast<double>(exponent)) + 1.0);
 }
 
 template <class T>

@@ -58,7 +58,7 @@ class FIROrtho {
   float dB_to_radius_refl(float dB, float size, float refl) const;
   // Distance at which the attenuation divisor reaches dB; the dimension count is the object's.
   float dB_to_radius_attenuation(float dB, int D, float g) const;
-  // What the amplitude is divided by at a distance in D dimensions.
+  // What the amplitude is divided by at a distance in D dimensions; below 0 the same as at 0.
   float attenuation_divisor_at_dist(float dist, int D, float g) const;
   // Factor left by the reflections up to a distance.
   float refl_at_dist(float dist, float refl, float size) const;

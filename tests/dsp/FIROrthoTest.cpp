@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -162,6 +163,41 @@ TEST(FIROrtho, SurvivesEveryValueInEverySettingAndRecovers) {
   }
   update(ortho, {{{3, 0, 10}}, 20, 44100, kInfinity, 0, 0, 1, 1});
   EXPECT_EQ(ortho.num_samples, 1 << 24);
+}
+
+// The positions of the knob up to its end.
+std::vector<float> steps_from(float first) {
+  std::vector<float> steps;
+  for (int k = static_cast<int>(std::lround(100 * first)); k <= 300; ++k) {
+    steps.push_back(static_cast<float>(k / 100.0));
+  }
+  return steps;
+}
+
+// Above a linearity of about 2 the curve's rounding puts some of the first distances below 0.
+TEST(FIROrtho, StaysFiniteAtEveryLinearity) {
+  const struct {
+    Settings settings;
+    std::vector<float> linearities;
+  } cases[] = {
+      {{{{15, 0, -0.1f}, {5, 0, -0.1f}}, 60, 44100, 1, 0, 0, 0, 0}, {2.12f, 2.4f, 2.6f, 3}},
+      {{{{10, 0, -0.5f}, {11, 0, -0.5f}}, 60, 44100, 1, 0, 0, 0, 0}, steps_from(1.7f)},
+      {{{{10, 0, -0.5f}, {11, 0, -0.5f}, {12, 1, -0.5f}}, 60, 44100, 4, 0, 0.2f, 0, 0},
+       {2.79f, 2.91f, 2.92f, 2.94f, 2.95f, 2.96f, 2.98f}}};
+  for (auto [s, linearities] : cases) {
+    for (auto& axis : s.room) axis.refl = dB_to_mag(axis.refl) * 100.0f;
+    FIROrtho<float> ortho;
+    ortho.update_dim_props(s.room, s.dB_range);
+    ortho.update_Gauss_volume();
+    for (const float linearity : linearities) {
+      ortho.update_time_props(s.sample_rate, s.stretch, linearity, s.attenuation);
+      ortho.update_FIR_time_props();
+      const auto finite = [](float x) { return std::isfinite(x); };
+      EXPECT_TRUE(std::all_of(ortho.FIR.begin(), ortho.FIR.end(), finite)) << linearity;
+      ortho.update_FIR_finalize();
+      EXPECT_GT(ortho.FIR_size, 1) << linearity;
+    }
+  }
 }
 
 TEST(FIROrtho, SkipsTheDecayOnlyIfBothEndsGrow) {
