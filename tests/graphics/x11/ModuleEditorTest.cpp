@@ -1,53 +1,27 @@
 // The built module's editor in a window, by its binary interface alone, and the program that shows
 // it.
-#include <dlfcn.h>
-
 #include <atomic>
 #include <thread>
 
 #include "graphics/lice/LICE_Bitmap.h"
 #include "graphics/lice/LICE_PNG.h"
 #include "graphics/x11/desktop/ChildProcess.h"
-#include "tests/graphics/x11/EditorHost.h"
+#include "tests/graphics/x11/ModuleHost.h"
 
 namespace {
 
-const std::string kModule = TOLMARA_BINARY_DIR "/Tolmara.so";
 const std::string kTool = TOLMARA_BINARY_DIR "/tolmara";
 
 // The server takes images only in several requests.
-class ModuleEditorTest : public HostTest {
+class ModuleEditorTest : public ModuleHostTest {
  protected:
   ModuleEditorTest()
-      : HostTest(960, 600, "-screen 0 1200x700x24 -extension MIT-SHM -maxbigreqsize 1"),
-        mModule(dlopen(kModule.c_str(), RTLD_LAZY | RTLD_LOCAL)) {
-    EXPECT_NE(mModule, nullptr) << dlerror();
-    mEffect = reinterpret_cast<AEffect* (*)(audioMasterCallback)>(dlsym(mModule, "VSTPluginMain"))(
-        &ModuleEditorTest::Answer);
-    mEffect->user = &mJournal;
-    Dispatch(effOpen);
-    Dispatch(effSetBlockSize, 0, 256);
-    Dispatch(effMainsChanged, 0, 1);
-    mUser.SetFocus(mParent);
-  }
-  ~ModuleEditorTest() override {
-    Dispatch(effClose);
-    dlclose(mModule);
-  }
+      : ModuleHostTest("-screen 0 1200x700x24 -extension MIT-SHM -maxbigreqsize 1") {}
 
-  void PlayBlock() {
-    std::vector<float> in(256, 0.1F), left(256), right(256);
-    float* inputs[] = {in.data(), in.data()};
-    float* outputs[] = {left.data(), right.data()};
-    mEffect->processReplacing(mEffect, inputs, outputs, 256);
-  }
   static int Run(const std::vector<std::string>& command) {
     auto program = ChildProcess::Start(command);
     return program ? program->Wait() : -1;
   }
-
-  Journal mJournal;
-  void* mModule;
 };
 
 TEST_F(ModuleEditorTest, ItsControlsFollowMouseKeyboardAndMenu) {
