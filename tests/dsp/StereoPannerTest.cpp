@@ -1,4 +1,4 @@
-// Tests of the stereo placement: exact delays, fades and ramps without clicks, and its limits.
+// Tests of the stereo placement: exact delays and its limits; AudioPathTest has fades and ramps.
 #include "dsp/StereoPanner.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,6 @@
 #include <cmath>
 #include <limits>
 
-#include "dsp/FIRFunctions.h"
 #include "tests/support/AllocationGuard.h"
 #include "tests/support/Random.h"
 #include "tests/support/Reference.h"
@@ -59,28 +58,6 @@ TEST(StereoPanner, DelaysByTheExactNumberOfSamplesAtAnyBlockSize) {
     }
   }
   EXPECT_EQ(panner_of(44100, 512, 0).buffer_size, 47104);
-}
-
-TEST(StereoPanner, MovesWithinOneBlockToAChangedDelayAtConstantPowerAndToAChangedGain) {
-  constexpr std::size_t kBlock = 128, kChange = 10 * kBlock;
-  const Samples x = Random(22).signal(2 * kChange);
-  const Samples before = delayed(x, 132);
-  for (const auto& [delay_ms, samples] : {std::pair{20, 882}, {3, 132}}) {
-    const Samples after = delayed(x, samples);
-    for (const float gain_dB : {0.0f, -12.0f}) {
-      auto panner = panner_of(44100, kBlock, 3);
-      run(panner, {x.begin(), x.begin() + kChange}, 3, 0.0f);
-      const Samples y = run(panner, {x.begin() + kChange, x.end()}, delay_ms, gain_dB);
-      for (std::size_t i = 0; i < y.size(); ++i) {
-        const float t = std::min(1.0f, static_cast<float>(i) / kBlock);
-        const float old_weight = samples == 132 ? 0.0f : std::cos(1.5707963f * t);
-        const float new_weight = samples == 132 ? 1.0f : std::sin(1.5707963f * t);
-        const float faded = before[kChange + i] * old_weight + after[kChange + i] * new_weight;
-        const float gain = 1.0f + (dB_to_mag(gain_dB) - 1.0f) * t;
-        ASSERT_NEAR(y[i], faded * gain, 1e-5) << i << ", " << delay_ms << " ms, " << gain_dB;
-      }
-    }
-  }
 }
 
 TEST(StereoPanner, KeepsTheChannelsApart) {

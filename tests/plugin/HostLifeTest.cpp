@@ -43,13 +43,6 @@ void SetSmallRoom(const HostedPlugin& plugin, double size = 5) {
   plugin.Set(DimParam(0, kDimRefl), -6);
 }
 
-Stereo Delayed(const Stereo& x, int samples) {
-  Stereo y{Signal(x.left.size()), Signal(x.right.size())};
-  std::copy(x.left.begin(), x.left.end() - samples, y.left.begin() + samples);
-  std::copy(x.right.begin(), x.right.end() - samples, y.right.begin() + samples);
-  return y;
-}
-
 // `count` samples of noise on both channels, from a seed.
 Stereo Noise(size_t count, unsigned seed) {
   Random random(seed);
@@ -143,20 +136,6 @@ TEST(HostLife, SurvivesCallsRatesAndBlockSizesThatNoHostMakes) {
        {VstIntPtr{0}, VstIntPtr{-64}, VstIntPtr{1} << 40, VstIntPtr{kHighest}, VstIntPtr{1}}) {
     plugin.Dispatch(effSetBlockSize, 0, size);
     EXPECT_TRUE(SoundsFinite(plugin)) << size;
-  }
-}
-
-TEST(HostLife, WithMixAtZeroTheInputComesOutOneBlockLaterBitForBit) {
-  constexpr int B = 96;
-  HostedPlugin plugin(B);
-  SetSmallRoom(plugin);
-  plugin.Set(kMix, 0);
-  plugin.SettleByReset();
-  const Stereo noise = Noise(B * 40, 4);
-  const Stereo want = Delayed(noise, B);
-  for (const int frames : {B, B / 4, 1, 37, 5 * B + 3}) {
-    plugin.Dispatch(effMainsChanged, 0, 0);  // clears the signal memory
-    EXPECT_EQ(plugin.Process(noise, frames), want) << "frames " << frames;
   }
 }
 
