@@ -75,4 +75,16 @@ TEST_F(TolmaraTest, RepeatsAreIdenticalByteForByteAndDoNotDependOnWhatWasSetBefo
   }
 }
 
+// Files that version 1.0 wrote are read for ever, and written alike.
+TEST_F(TolmaraTest, PresetFilesOfVersion1ComeBackByteForByte) {
+  const std::string golden = TOLMARA_SOURCE_DIR "/tests/golden/";
+  Works({"save-preset", "again.fxp", "--load-fxp", golden + "program-1.0.fxp", "--name",
+         "Dark hall"});
+  EXPECT_EQ(Bytes("again.fxp"), Bytes(golden + "program-1.0.fxp"));
+  const std::string shown = Works({"params", "--load-fxp", golden + "program-1.0.fxp"});
+  EXPECT_NE(shown.find("High Decay               200 "), std::string::npos) << shown;
+  Works({"save-bank", "again.fxb", "--set", "Gain=-7"});
+  EXPECT_EQ(Bytes("again.fxb"), Bytes(golden + "bank-1.0.fxb"));
+}
+
 }  // namespace
