@@ -8,7 +8,7 @@ declare -A sets=(
   [build]="g++ cmake ninja-build pkg-config libpng-dev libfreetype-dev libfontconfig-dev
            libxcb1-dev libxcb-shm0-dev libxcb-randr0-dev libxcb-xtest0-dev libsndfile1-dev
            libcli11-dev nlohmann-json3-dev libgtest-dev fonts-dejavu-core gnuplot-nox"
-  [test]="clang-format xvfb xauth dbus-daemon"
+  [test]="clang-format xvfb xauth"
   [fuzz]="clang libclang-rt-14-dev"
   [bench]="libbenchmark-dev libfftw3-dev libzita-convolver-dev"
   [art]="librsvg2-bin"

@@ -114,13 +114,14 @@ void IGraphicsX11::PromptForFile(HeapString* file, int action, HeapString* dir,
   if (editor) question.owner = editor->TopLevel();
   const FileWaiter wait =
       editor ? FileWaiter([editor](int fd) { return editor->WaitFor(fd); }) : WaitWithoutEditor;
-  std::string path = AskForFile(question, wait);
-  if (path.empty()) return;
-  if (question.save && !question.extensions.empty() && !HasExtension(path, question.extensions)) {
-    path += "." + question.extensions[0];
+  auto path = AskForFile(question, wait);
+  if (!path) ShowMessageBox("Please install zenity or kdialog.", "No file dialog found", 0);
+  if (!path || path->empty()) return;
+  if (question.save && !question.extensions.empty() && !HasExtension(*path, question.extensions)) {
+    *path += "." + question.extensions[0];
   }
-  file->Set(path.c_str());
-  if (dir) dir->Set(path.substr(0, path.rfind('/') + 1).c_str());
+  file->Set(path->c_str());
+  if (dir) dir->Set(path->substr(0, path->rfind('/') + 1).c_str());
 }
 
 bool IGraphicsX11::OpenURL(const char* url, const char* errMsg) {

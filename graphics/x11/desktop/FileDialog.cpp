@@ -1,6 +1,7 @@
 // Dialogs that are programs of their own.
 #include "graphics/x11/desktop/FileDialog.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -24,22 +25,19 @@ std::vector<std::string> ZenityCommand(const FileQuestion& question) {
   std::vector<std::string> command = {"zenity", "--file-selection"};
   command.push_back(std::string("--title=") + (question.save ? kSaveTitle : kOpenTitle));
   if (question.save) command.insert(command.end(), {"--save", "--confirm-overwrite"});
-  if (!question.folder.empty()) {
-    command.push_back("--filename=" + question.folder + (question.save ? question.name : ""));
-  }
+  command.push_back("--filename=" + question.folder + (question.save ? question.name : ""));
   const std::string patterns = Patterns(question);
   if (!patterns.empty()) command.push_back("--file-filter=" + patterns);
   return command;
 }
 
 std::vector<std::string> KdialogCommand(const FileQuestion& question) {
-  const std::string start = question.folder.empty() ? "." : question.folder;
   std::vector<std::string> command = {"kdialog"};
   if (question.owner) {
     command.insert(command.end(), {"--attach", std::to_string(question.owner)});
   }
   command.push_back(question.save ? "--getsavefilename" : "--getopenfilename");
-  command.push_back(question.save ? start + question.name : start);
+  command.push_back(question.folder + (question.save ? question.name : ""));
   const std::string patterns = Patterns(question);
   if (!patterns.empty()) command.push_back(patterns);
   return command;
@@ -58,29 +56,24 @@ bool ReadAll(const ChildProcess& program, const FileWaiter& wait, std::string& t
   return false;
 }
 
-FileAnswer AskProgram(const std::vector<std::string>& command, const FileQuestion& question,
-                      const FileWaiter& wait, std::string& path) {
+// As AskForFile; null also when the program can't show itself.
+std::optional<std::string> AskProgram(const std::vector<std::string>& command,
+                                      const FileQuestion& question, const FileWaiter& wait) {
   // The window that the dialog belongs to, by the custom of terminals.
   auto program = ChildProcess::Start(command, {"WINDOWID=" + std::to_string(question.owner)});
-  if (!program) return FileAnswer::kUnavailable;
+  if (!program) return std::nullopt;
   std::string text;
-  if (!ReadAll(*program, wait, text)) return FileAnswer::kNone;
+  if (!ReadAll(*program, wait, text)) return "";
   constexpr int kCancelled = 1;
   const int code = program->Wait();
-  if (code > kCancelled) return FileAnswer::kUnavailable;
-  path = text.substr(0, text.find('\n'));
-  return code == kCancelled || !path.starts_with('/') ? FileAnswer::kNone : FileAnswer::kChosen;
+  if (code > kCancelled) return std::nullopt;
+  text.erase(std::min(text.find('\n'), text.size()));
+  return code == kCancelled || !text.starts_with('/') ? "" : text;
 }
 
 }  // namespace
 
-std::string AskForFile(const FileQuestion& question, const FileWaiter& wait) {
-  std::string path;
-  FileAnswer answer = AskPortal(question, wait, path);
-  for (const auto makeCommand : {ZenityCommand, KdialogCommand}) {
-    if (answer == FileAnswer::kUnavailable) {
-      answer = AskProgram(makeCommand(question), question, wait, path);
-    }
-  }
-  return answer == FileAnswer::kChosen ? path : "";
+std::optional<std::string> AskForFile(const FileQuestion& question, const FileWaiter& wait) {
+  auto path = AskProgram(ZenityCommand(question), question, wait);
+  return path ? path : AskProgram(KdialogCommand(question), question, wait);
 }

@@ -1,14 +1,15 @@
-// Asking the user for a file, through whatever the desktop has for that.
+// Asking the user for a file through zenity or kdialog.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 struct FileQuestion {
   bool save = false;
-  std::string folder;                   // where to begin, "" for anywhere
+  std::string folder;                   // where to begin, ends in a slash
   std::string name;                     // proposed for a file to be saved
   std::vector<std::string> extensions;  // without dots; none for any file
   uint32_t owner = 0;                   // the host's window on the screen, 0 for none
@@ -17,10 +18,6 @@ struct FileQuestion {
 // Waits until a descriptor is readable; false ends the question.
 using FileWaiter = std::function<bool(int fd)>;
 
-// The path, or "" when none was chosen or no way to ask was found: the desktop's portal, else
-// zenity, else kdialog. A question that ends early takes its dialog along.
-std::string AskForFile(const FileQuestion& question, const FileWaiter& wait);
-
-// The first of these; for what each found out.
-enum class FileAnswer { kUnavailable, kNone, kChosen };
-FileAnswer AskPortal(const FileQuestion& question, const FileWaiter& wait, std::string& path);
+// The path, "" when none was chosen, null when there is neither zenity nor kdialog to ask with. A
+// question that ends early closes its dialog.
+std::optional<std::string> AskForFile(const FileQuestion& question, const FileWaiter& wait);

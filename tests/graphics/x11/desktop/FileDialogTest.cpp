@@ -6,15 +6,13 @@
 #include <fstream>
 
 #include "graphics/x11/desktop/ChildProcess.h"
-#include "graphics/x11/desktop/DBusConnection.h"
-#include "graphics/x11/desktop/FileDialog.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-// A folder of programs that stand before all others, and without a session's bus.
+// A folder of programs that come before all others in PATH.
 class FileDialogTest : public EditorHostTest {
  protected:
   FileDialogTest() : mPath(getenv("PATH")) {
@@ -22,7 +20,6 @@ class FileDialogTest : public EditorHostTest {
     mFolder = mkdtemp(name);
     setenv("HOME", mFolder.c_str(), 1);
     setenv("PATH", (mFolder + ":/usr/bin:/bin").c_str(), 1);
-    setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + mFolder + "/none").c_str(), 1);
     EXPECT_TRUE(Open());
   }
   ~FileDialogTest() override {
@@ -55,10 +52,15 @@ class FileDialogTest : public EditorHostTest {
   HeapString mDir;
 };
 
-TEST_F(FileDialogTest, WithoutAnyDialogNothingIsChosen) {
+TEST_F(FileDialogTest, WithoutAnyDialogAMessageSaysSoAndNothingIsChosen) {
   setenv("PATH", mFolder.c_str(), 1);
-  EXPECT_EQ(Ask(IGraphics::kFileOpen, "fxp", "old.fxp"), "");
+  EXPECT_EQ(Ask(IGraphics::kFileOpen, "fxp", "old.fxp"), "");  // no window for a message here
   EXPECT_STREQ(mDir.Get(), "~/Desktop");
+  mPlug->onProbe = [this] { Notes().Note("got " + Ask(IGraphics::kFileOpen, "fxp", "old.fxp")); };
+  ClickAt(195, 15);
+  ASSERT_TRUE(Eventually([&] { return HasChild(); }));
+  mUser.Type(kX11Escape);
+  EXPECT_TRUE(Notes().Comes("got "));
 }
 
 TEST_F(FileDialogTest, TheFirstProgramThatIsThereAnswers) {
@@ -159,155 +161,6 @@ TEST_F(FileDialogTest, APageThatCannotBeOpenedIsReportedOnce) {
   ASSERT_TRUE(Eventually([&] { return !HasChild(); }));
   ClickAt(205, 15);  // which a second message would take
   EXPECT_TRUE(Notes().Comes("down 205 15 L"));
-}
-
-DBusMessage Make(DBusMessage::EType type, const char* signature, const DBusWriter& body) {
-  DBusMessage m;
-  m.type = type;
-  m.signature = signature;
-  m.body = {body.Bytes().begin(), body.Bytes().end()};
-  return m;
-}
-
-DBusReader ReadAll(const DBusMessage& message) {
-  DBusReader r(message.body);
-  std::string_view types = message.signature;
-  while (r.IsGood() && !types.empty()) r.Skip(types);
-  return r;
-}
-
-constexpr const char* kBus =
-    "dbus-daemon --session --nofork --print-address=1 --address=unix:tmpdir=/tmp";
-
-// The desktop's portal, on a bus of its own: takes one question and gives one answer.
-class FakePortal {
- public:
-  FakePortal() : mBusProgram(kBus) {
-    setenv("DBUS_SESSION_BUS_ADDRESS", mBusProgram.FirstLine().c_str(), 1);
-    mBus = DBusConnection::Open();
-    DBusWriter name;
-    name.String("org.freedesktop.portal.Desktop");
-    name.U32(0);
-    DBusMessage request = Make(DBusMessage::kCall, "su", name);
-    request.destination = request.interface = "org.freedesktop.DBus";
-    request.path = "/org/freedesktop/DBus";
-    request.member = "RequestName";
-    mBus->Send(request);
-  }
-  // The path that comes of an answer with this one.
-  std::string Ask(const FileQuestion& question, const std::string& uri) {
-    mQuestion = {};
-    return AskForFile(question, [&](int) { return !mQuestion.path.empty() || Answer(uri); });
-  }
-  const DBusMessage& Question() const { return mQuestion; }
-
- private:
-  bool Answer(const std::string& uri) {
-    if (!Eventually([this] { return mBus->Receive() && TakeQuestion(); })) return false;
-    const char* handle = "/org/freedesktop/portal/desktop/request/elsewhere";
-    DBusWriter path;
-    path.String(handle);
-    DBusMessage reply = Make(DBusMessage::kReturn, "o", path);
-    reply.replySerial = mQuestion.serial;
-    reply.destination = mQuestion.sender;
-    mBus->Send(reply);
-
-    DBusWriter w;
-    w.U32(uri.empty() ? 1 : 0);
-    const size_t results = w.OpenArray(8);
-    w.Align(8);
-    w.String("writable");  // something that has to be skipped
-    w.Signature("b");
-    w.Bool(true);
-    w.Align(8);
-    w.String("uris");
-    w.Signature("as");
-    const size_t uris = w.OpenArray(4);
-    if (!uri.empty()) w.String(uri);
-    w.CloseArray(uris);
-    w.CloseArray(results);
-    DBusMessage signal = Make(DBusMessage::kSignal, "ua{sv}", w);
-    signal.path = handle;
-    signal.interface = "org.freedesktop.portal.Request";
-    signal.member = "Response";
-    signal.destination = mQuestion.sender;
-    return mBus->Send(signal) != 0;
-  }
-  bool TakeQuestion() {
-    while (auto message = mBus->Next()) {
-      if (message->member == "SaveFile" || message->member == "OpenFile") mQuestion = *message;
-    }
-    return !mQuestion.path.empty();
-  }
-
-  TestProgram mBusProgram;
-  std::unique_ptr<DBusConnection> mBus;
-  DBusMessage mQuestion;
-};
-
-TEST_F(FileDialogTest, ThePortalComesFirst) {
-  MakeProgram("zenity", "echo /wrong");
-  FakePortal portal;
-  const FileQuestion question{true, "/music/", "mine.fxp", {"fxp", "fxb"}, 0xABC};
-  EXPECT_EQ(portal.Ask(question, "file:///tmp/a%20b/%E2%82%AC.fxp"), "/tmp/a b/\xE2\x82\xAC.fxp");
-  EXPECT_EQ(portal.Question().interface, "org.freedesktop.portal.FileChooser");
-  EXPECT_EQ(portal.Question().member, "SaveFile");
-  EXPECT_EQ(portal.Question().signature, "ssa{sv}");
-  const std::string& body = portal.Question().body;
-  for (const char* text : {"x11:abc", "Save As", "*.fxb", "/music/", "mine.fxp"}) {
-    EXPECT_NE(body.find(text), std::string::npos) << text;
-  }
-  EXPECT_EQ(ReadAll(portal.Question()).At(), body.size());
-  // Dismissed, and no file of this machine.
-  for (const char* uri : {"", "https://a/b", "file:nothing"}) {
-    EXPECT_EQ(portal.Ask({}, uri), "") << uri;
-  }
-  EXPECT_EQ(portal.Question().member, "OpenFile");
-}
-
-TEST_F(FileDialogTest, ABusWithoutAPortalIsNoAnswer) {
-  MakeProgram("zenity", "echo /tmp/other");
-  const TestProgram bus(kBus);
-  setenv("DBUS_SESSION_BUS_ADDRESS", bus.FirstLine().c_str(), 1);
-  EXPECT_EQ(Ask(IGraphics::kFileOpen, ""), "/tmp/other");
-}
-
-TEST(DBusMessage, ReadsNothingBeyondItsBytes) {
-  DBusWriter w;
-  w.U32(0);
-  const size_t array = w.OpenArray(8);
-  w.Align(8);
-  w.String("name");
-  w.Signature("(yv)");
-  w.Align(8);
-  w.Byte(7);
-  w.Signature("as");
-  const size_t texts = w.OpenArray(4);
-  w.String("text");
-  w.CloseArray(texts);
-  w.CloseArray(array);
-  DBusMessage message = Make(DBusMessage::kSignal, "ua{sv}", w);
-  message.path = "/a/b";
-  message.member = "Z";
-  const auto bytes = message.Bytes();
-  const std::string whole(bytes.begin(), bytes.end());
-
-  bool broken = false;
-  std::string input = whole + "l";
-  const auto taken = DBusMessage::TakeFrom(input, broken);
-  ASSERT_TRUE(taken);
-  EXPECT_EQ(input, "l");
-  EXPECT_EQ(taken->member, "Z");
-  EXPECT_EQ(taken->body, message.body);
-  EXPECT_TRUE(ReadAll(*taken).IsGood());
-  for (size_t i = 0; i < whole.size(); ++i) {
-    input = whole.substr(0, i);
-    EXPECT_FALSE(DBusMessage::TakeFrom(input, broken)) << i;
-    // Every byte wrong in turn: anything may come out, if only it comes out.
-    input = whole;
-    input[i] = static_cast<char>(~input[i]);
-    if (const auto odd = DBusMessage::TakeFrom(input, broken)) ReadAll(*odd);
-  }
 }
 
 }  // namespace
