@@ -52,8 +52,6 @@ class IControl {
 
   IPlugBase* GetPlug() const { return mPlug; }
   const IRECT& GetRECT() const { return mRECT; }
-  const IRECT& GetTargetRECT() const { return mTargetRECT; }
-  void SetTargetRECT(const IRECT& rect) { mTargetRECT = rect; }
   // All that the last drawing may have painted: the rectangle and texts that stand out of it.
   IRECT GetReach() const { return mRECT.Union(mInk); }
   void SetInk(const IRECT& ink) { mInk = ink; }
@@ -70,21 +68,13 @@ class IControl {
   void SetClamp(double lo, double hi) { Store(mClampLo, lo), Store(mClampHi, hi); }
   IText& GetText() { return mText; }
   const IText& GetText() const { return mText; }
-  void SetText(const IText& text) { mText = text; }
   int GetTextEntryLength() const { return mTextEntryLength; }
-  void SetTextEntryLength(int length) { mTextEntryLength = length; }
-  const IChannelBlend& GetBlend() const { return mBlend; }
-  void SetBlend(IChannelBlend blend) { mBlend = blend; }
   bool IsHidden() const { return mHide; }
   bool IsGrayed() const { return mGrayed; }
   bool DisablesPrompt() const { return mDisablePrompt; }
   void DisablePrompt(bool disable) { mDisablePrompt = disable; }
   bool DblAsSingleClick() const { return mDblAsSingleClick; }
-  void SetDblAsSingleClick(bool single) { mDblAsSingleClick = single; }
   bool MouseOverWhenGrayed() const { return mMOWhenGrayed; }
-  void SetMouseOverWhenGrayed(bool allow) { mMOWhenGrayed = allow; }
-  void SetValDisplayControl(ITextControl* control) { mValDisplayControl = control; }
-  void SetNameDisplayControl(ITextControl* control) { mNameDisplayControl = control; }
 
  protected:
   template <class T>

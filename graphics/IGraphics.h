@@ -151,8 +151,6 @@ class IGraphics {
   // area that it may have changed.
   static bool DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, IRECT* rect,
                          bool measure, IRECT* ink = nullptr);
-  // Sets `rect` to the area that `str` takes where DrawIText would put it. False without a font.
-  bool MeasureIText(IText* text, const char* str, IRECT* rect);
   IBitmap ScaleBitmap(const IBitmap* bitmap, int w, int h);
   IBitmap CropBitmap(const IBitmap* bitmap, const IRECT* rect);
   uint32_t* GetBits() const;  // first pixel of the canvas, null before PrepDraw
@@ -164,11 +162,7 @@ class IGraphics {
   int FPS() const { return mFPS; }
   int NControls() const { return mControls.GetSize(); }
   IControl* GetControl(int idx) const { return mControls.Get(idx); }
-  IControl* GetKeyCatcher() const { return mKeyCatcher.get(); }
-  const IRECT& GetDrawRECT() const { return mDrawRECT; }
   int GetMouseCapture() const { return mMouseCapture; }
-  int GetMouseOver() const { return mMouseOver; }
-  int GetLastClickedParam() const { return mLastClickedParam; }
 
  protected:
   // Who gets an event there: the control that holds the mouse, else the topmost; -1 for none.

@@ -36,7 +36,6 @@ class IGraphicsOffscreen : public IGraphics {
   void ShowMouseCursor() override {}
 
   void SetBundleID(const char* bundleID) { mBundleID.Set(bundleID); }
-  const char* GetBundleID() const { return mBundleID.Get(); }
 
   // Where bitmaps are looked for from now on, in every editor of the process. "" goes back to
   // "resources/img" beside the binary that holds this code. Set before any editor is made.

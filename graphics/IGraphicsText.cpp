@@ -130,7 +130,3 @@ bool IGraphics::DrawTextOn(LICE_IBitmap* bitmap, IText* text, const char* str, I
   }
   return true;
 }
-
-bool IGraphics::MeasureIText(IText* text, const char* str, IRECT* rect) {
-  return DrawTextOn(nullptr, text, str, rect, true);
-}

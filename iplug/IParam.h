@@ -64,7 +64,6 @@ class IParam {
   double DBToAmp() const;
   EParamType Type() const { return mType; }
   double GetDefault() const { return mDefault; }
-  int GetPrecision() const { return mDisplayPrecision; }
   bool GetNegateDisplay() const { return mNegateDisplay; }
 
  private:

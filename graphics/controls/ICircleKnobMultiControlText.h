@@ -23,9 +23,6 @@ class ICircleKnobMultiControlText : public IKnobControl {
 
   const IRECT& GetTextRECT() const { return mTextRECT; }
   const IColor& GetColor() const { return mColor; }
-  double GetCenterX() const { return mCenterX; }
-  double GetCenterY() const { return mCenterY; }
-  double GetRadius() const { return mRadius; }
 
  private:
   void DrawDot(IGraphics* graphics) const;

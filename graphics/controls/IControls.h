@@ -61,10 +61,10 @@ class IRadioButtonsControl : public IControl {
   void OnMouseDown(int x, int y, IMouseMod* mod) override;
   bool Draw(IGraphics* graphics) override;
 
-  const std::vector<IRECT>& GetButtonRECTs() const { return mRECTs; }
+ protected:
+  std::vector<IRECT> mRECTs;  // one a button
 
  private:
-  std::vector<IRECT> mRECTs;  // one a button
   IBitmap mBitmap;
 };
 

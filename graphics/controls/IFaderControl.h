@@ -18,7 +18,6 @@ class IFaderControl : public IControl {
   // Where the handle stands at a value; a negative one means the control's own.
   IRECT GetHandleRECT(double value = -1.0) const;
   int GetLength() const { return mLen; }
-  int GetHandleHeadroom() const { return mHandleHeadroom; }
   bool OnlyHandle() const { return mOnlyHandle; }
   int GetDirection() const { return mDirection; }
 

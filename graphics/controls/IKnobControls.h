@@ -13,10 +13,6 @@ class IKnobControl : public IControl {
                double gearing = kDefaultGearing, IChannelBlend blend = IChannelBlend());
   void OnMouseDrag(int x, int y, int dX, int dY, IMouseMod* mod) override;
 
-  void SetGearing(double gearing) { mGearing = gearing; }
-  double GetGearing() const { return mGearing; }
-  int GetDirection() const { return mDirection; }
-
  protected:
   // Change of the value for a drag by (dX, dY).
   double DragDistance(int dX, int dY, const IMouseMod& mod) const;

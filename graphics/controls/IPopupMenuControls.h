@@ -12,7 +12,6 @@ class IPopupMenuControl : public IControl {
   void OnMouseDown(int x, int y, IMouseMod* mod) override;
   bool Draw(IGraphics* graphics) override;
 
-  IPopupMenu& GetMainMenu() { return mMainMenu; }
   IPopupMenu& GetAuxMenu() { return mAuxMenu; }
 
  protected:

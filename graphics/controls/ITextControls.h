@@ -11,7 +11,6 @@ class ITextControl : public IControl {
   bool Draw(IGraphics* graphics) override;
 
   void SetTextFromPlug(const char* text);  // an equal text changes nothing
-  const char* GetTextString() const { return mStr.Get(); }
 
  protected:
   HeapString mStr;

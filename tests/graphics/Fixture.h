@@ -98,6 +98,11 @@ class ProbeControl : public IControl {
 
   Calls TakeEvents() { return std::exchange(events, {}); }
 
+  using IControl::mDblAsSingleClick;
+  using IControl::mMOWhenGrayed;
+  using IControl::mNameDisplayControl;
+  using IControl::mValDisplayControl;
+
   bool takesKeys = true;
   std::function<void()> onDraw;
 

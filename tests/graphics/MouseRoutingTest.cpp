@@ -23,7 +23,6 @@ TEST_F(MouseRouting, ThePressGoesToTheTopmostHitAndItsEditIsAnnouncedUntilTheRel
   graphics->OnMouseDown(25, 15, &left);
   EXPECT_EQ(upper->TakeEvents(), Calls{"down 25 15"});
   EXPECT_EQ(plug.TakeCalls(), Calls{"begin 1"});
-  EXPECT_EQ(graphics->GetLastClickedParam(), kCount);
   graphics->OnMouseDrag(-50, 400, &left);
   graphics->OnMouseDrag(-50, 400, &left);
   EXPECT_EQ(upper->TakeEvents(), Calls{"drag -75 385"}) << "no drag without a motion";
@@ -36,7 +35,7 @@ TEST_F(MouseRouting, ThePressGoesToTheTopmostHitAndItsEditIsAnnouncedUntilTheRel
 
 TEST_F(MouseRouting, HiddenAndGrayedControlsLetThePressThrough) {
   upper->GrayOut(true);
-  upper->SetMouseOverWhenGrayed(true);
+  upper->mMOWhenGrayed = true;
   graphics->OnMouseDown(25, 15, &left);
   EXPECT_EQ(lower->TakeEvents(), Calls{"down 25 15"});
   lower->Hide(true);
@@ -51,7 +50,7 @@ TEST_F(MouseRouting, ADoubleClickIsNoEditForTheHostAndCapturesOnlyAsAPress) {
   EXPECT_FALSE(graphics->OnMouseDblClick(15, 15, &left));
   EXPECT_EQ(lower->TakeEvents(), Calls{"double 15 15"});
   EXPECT_EQ(graphics->GetMouseCapture(), -1);
-  lower->SetDblAsSingleClick(true);
+  lower->mDblAsSingleClick = true;
   EXPECT_TRUE(graphics->OnMouseDblClick(15, 15, &left));
   EXPECT_EQ(lower->TakeEvents(), Calls{"down 15 15"});
   EXPECT_EQ(graphics->GetMouseCapture(), 1);
@@ -68,17 +67,18 @@ TEST_F(MouseRouting, MouseOverEntersLeavesAndReachesGrayedControlsOnRequest) {
   EXPECT_EQ(lower->TakeEvents(), (Calls{"over 15 15", "over 16 15", "out 0 0"}));
   EXPECT_EQ(upper->TakeEvents(), Calls{"over 35 15"});
   graphics->OnMouseOver(500, 500, &left);
-  EXPECT_EQ(graphics->GetMouseOver(), 2) << "no hit changes nothing";
+  EXPECT_EQ(upper->TakeEvents(), Calls()) << "no hit changes nothing";
   upper->GrayOut(true);
   for (const bool asked : {false, true}) {
-    upper->SetMouseOverWhenGrayed(asked);
+    upper->mMOWhenGrayed = asked;
     graphics->OnMouseOver(35, 15, &left);
-    EXPECT_EQ(graphics->GetMouseOver(), asked ? 2 : 0);
+    EXPECT_EQ(upper->TakeEvents(), asked ? Calls{"over 35 15"} : Calls{"out 0 0"});
   }
-  for (auto* control : {lower, upper}) control->TakeEvents();
+  lower->TakeEvents();
   graphics->OnMouseOut();
   for (auto* control : {lower, upper}) EXPECT_EQ(control->TakeEvents(), Calls{"out 0 0"});
-  EXPECT_EQ(graphics->GetMouseOver(), -1);
+  graphics->OnMouseOver(15, 15, &left);
+  EXPECT_EQ(upper->TakeEvents(), Calls()) << "a control that was left is not left again";
 }
 
 TEST_F(MouseRouting, KeysGoToTheControlUnderTheMouseElseToTheCatcherAndNeverToTheBackground) {

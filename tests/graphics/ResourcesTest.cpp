@@ -82,7 +82,6 @@ TEST_F(Resources, TheBackgroundGoesBelowAllThatWasAttachedBefore) {
   EXPECT_EQ(graphics->GetControl(1), early);
   EXPECT_EQ(graphics->GetControl(0)->GetRECT(), IRECT(0, 0, 12, 20));
   EXPECT_EQ(graphics->GetControl(0)->ParamIdx(), -1);
-  EXPECT_EQ(graphics->GetControl(0)->GetBlend().mMethod, IChannelBlend::kBlendClobber);
   Show();
   EXPECT_EQ(graphics->PixelAt(11, 19), kColorWhite.Pixel());
 }
@@ -132,7 +131,7 @@ TEST_F(Resources, TextIsMeasuredAndDrawnWhereItsAlignmentPutsIt) {
   IText text(14, kColorRed);
   const auto measured = [&] {
     IRECT rect(20, 30, 180, 50);
-    EXPECT_TRUE(graphics->MeasureIText(&text, "HOH", &rect));
+    EXPECT_TRUE(IGraphics::DrawTextOn(nullptr, &text, "HOH", &rect, true));
     return rect;
   };
   const int width = measured().W(), middle = 100 - width / 2;

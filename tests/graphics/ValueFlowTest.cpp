@@ -51,15 +51,17 @@ TEST_F(ValueFlow, AChangeByTheUserIsClampedPushedOnceAndShownByLinkedTexts) {
   auto* count = Attach<ProbeControl>(IRECT(0, 0, 10, 10), kCount);
   auto* value = Attach<ITextControl>(IRECT(10, 0, 50, 10), -1, IText());
   auto* name = Attach<ITextControl>(IRECT(50, 0, 90, 10), -1, IText());
-  count->SetValDisplayControl(value);
-  count->SetNameDisplayControl(name);
+  count->mValDisplayControl = value;
+  count->mNameDisplayControl = name;
   Show();
   graphics->ClampControl(kCount, 2.0, 6.0, false);
   count->SetValueFromUserInput(0.9);
   EXPECT_EQ(count->GetValue(), 0.6);
   EXPECT_EQ(plug.TakeCalls(), (Calls{"set 1 0.600", "changed 1"}));
-  EXPECT_STREQ(value->GetTextString(), "6");
-  EXPECT_STREQ(name->GetTextString(), "Count");
+  for (const auto& [control, text] : {std::pair(value, "6"), std::pair(name, "Count")}) {
+    control->Draw(graphics);
+    EXPECT_EQ(graphics->lastText, text);
+  }
   count->SetValueFromUserInput(0.6);
   EXPECT_EQ(plug.TakeCalls(), Calls());
   Settle();

@@ -52,12 +52,16 @@ TEST(IParam, RangesAreNeverEmpty) {
 TEST(IParam, PrecisionShowsEveryStepUpToSixDecimals) {
   const struct {
     double step;
-    int precision;
+    size_t precision;
   } kCases[] = {{1, 0},        {10, 0},      {0.1, 1},         {0.25, 2},
                 {0.01, 2},     {0.001, 3},   {0.0001, 4},      {0.00001, 5},
                 {0.000001, 6}, {1.0 / 3, 6}, {0.0000000001, 6}};
-  for (const auto& c : kCases)
-    EXPECT_EQ(Double(0, 10, c.step).GetPrecision(), c.precision) << c.step;
+  for (const auto& c : kCases) {
+    char text[IParam::kTextSize];
+    Double(0, 10, c.step).GetDisplayForHost(0.0, false, text);
+    EXPECT_EQ(std::string(text), c.precision ? "0." + std::string(c.precision, '0') : "0")
+        << c.step;
+  }
 }
 
 TEST(IParam, TaperMapsBothWaysAndOnlyDoublesKeepValuesBetweenSteps) {

@@ -36,7 +36,6 @@ class LineEdit {
   int SelectionEnd() const { return mCaret < mAnchor ? mAnchor : mCaret; }
   bool HasSelection() const { return mCaret != mAnchor; }
   std::u32string Selected() const;
-  const LineFilter& Filter() const { return mFilter; }
 
  private:
   std::u32string mText;

@@ -130,10 +130,13 @@ TEST_F(ApplicationControls, AChoiceInAPopUpIsPushedAndSoIsTheLackOfOne) {
   auto* sizes = Attach<IFFTSizePopupMenu>(IRECT(10, 10, 90, 30), kLevel);
   sizes->GetAuxMenu().AddItem("a");
   Show();
-  const auto callsFor = [&](IPopupMenu* chosen, int item) {
-    graphics->chooseItem = [&](IPopupMenu*) {
-      if (chosen) chosen->SetChosenItemIdx(item);
-      return chosen;
+  enum { kMain, kAux, kNone };
+  const auto callsFor = [&](int from, int item) {
+    graphics->chooseItem = [&](IPopupMenu* menu) -> IPopupMenu* {
+      if (from == kNone) return nullptr;
+      if (from == kAux) menu = &sizes->GetAuxMenu();
+      menu->SetChosenItemIdx(item);
+      return menu;
     };
     graphics->OnMouseDown(20, 20, &right);
     EXPECT_EQ(graphics->GetMouseCapture(), -1) << "the menu releases the mouse";
@@ -141,20 +144,19 @@ TEST_F(ApplicationControls, AChoiceInAPopUpIsPushedAndSoIsTheLackOfOne) {
     return plug.TakeCalls();
   };
   const Calls onlyPushed = {"set 0 0.750", "changed 0", "begin 0"};
-  EXPECT_EQ(callsFor(&sizes->GetMainMenu(), 9),
+  EXPECT_EQ(callsFor(kMain, 9),
             (Calls{"set 0 0.750", "changed 0", "set 0 0.750", "changed 0", "begin 0"}));
   EXPECT_EQ(graphics->lastRect, IRECT(10, 10, 90, 30));
-  EXPECT_EQ(callsFor(&sizes->GetMainMenu(), 9), onlyPushed) << "the present item is no change";
-  EXPECT_EQ(callsFor(nullptr, 0), onlyPushed);
-  EXPECT_EQ(callsFor(&sizes->GetAuxMenu(), 0), onlyPushed);
+  EXPECT_EQ(callsFor(kMain, 9), onlyPushed) << "the present item is no change";
+  EXPECT_EQ(callsFor(kNone, 0), onlyPushed);
+  EXPECT_EQ(callsFor(kAux, 0), onlyPushed);
   EXPECT_TRUE(sizes->GetAuxMenu().IsItemChecked(0)) << "the other menu only checks its choice";
 
   IComputeModePopupMenu modes(&plug, IRECT(10, 40, 90, 60), kOnOff);
   INormModePopupMenu norms(&plug, IRECT(10, 40, 90, 60), kOnOff);
   for (IPopupMenuControl* control :
        {static_cast<IPopupMenuControl*>(&modes), static_cast<IPopupMenuControl*>(&norms)}) {
-    control->GetMainMenu().SetChosenItemIdx(1);
-    graphics->chooseItem = [](IPopupMenu* menu) { return menu; };
+    graphics->chooseItem = [](IPopupMenu* menu) { return menu->SetChosenItemIdx(1), menu; };
     control->OnMouseDown(0, 0, &left);
     EXPECT_EQ(control->GetValue(), 1.0);
   }
