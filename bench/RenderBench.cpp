@@ -9,14 +9,12 @@
 #include <cstring>
 #include <ctime>
 #include <limits>
+#include <optional>
 
 #include "dsp/FIRFunctions.h"
 #include "dsp/FIROrtho.h"
 #include "numeric/Float4.h"
-
-#if TOLMARA_SSE2
-#include <xmmintrin.h>
-#endif
+#include "plugin/FlushToZero.h"
 
 namespace {
 
@@ -52,29 +50,10 @@ void time_mapping(benchmark::State& state) {
   state.counters["samples"] = ortho.num_samples;
 }
 
-#if TOLMARA_SSE2
-// Flush-to-zero and denormals-are-zero for a scope.
-class FlushToZero {
- public:
-  explicit FlushToZero(bool on) : before(_mm_getcsr()) {
-    if (on) _mm_setcsr(before | 0x8040U);
-  }
-  ~FlushToZero() { _mm_setcsr(before); }
-  FlushToZero(const FlushToZero&) = delete;
-  FlushToZero& operator=(const FlushToZero&) = delete;
-
- private:
-  unsigned before;
-};
-#else
-struct FlushToZero {
-  explicit FlushToZero(bool) {}
-};
-#endif
-
 void decay(benchmark::State& state) {
   FIROrtho<float>& ortho = rendered(static_cast<int>(state.range(0)));
-  const FlushToZero mode(state.range(1) != 0);
+  std::optional<ScopedFlushToZero> mode;
+  if (state.range(1) != 0) mode.emplace();
   for (auto _ : state) ortho.update_FIR_EQ();
 }
 

@@ -4,14 +4,15 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "iplug/Numbers.h"
+
 class LICE_CachedFont;
 
-// Truncates towards zero like a plain conversion, but takes any value: what is not a number
-// becomes 0, and what is out of reach ends at a million pixels, so that sums of two cannot
-// overflow.
-inline int TruncateToPixel(double v) {
-  constexpr double kLimit = 1 << 20;
-  return v == v ? static_cast<int>(std::clamp(v, -kLimit, kLimit)) : 0;
+// Truncates towards zero and limits to a million pixels, so that sums of two cannot overflow; NaN
+// becomes 0.
+constexpr int TruncateToPixel(double v) {
+  constexpr int kLimit = 1 << 20;
+  return std::clamp(SaturateToInt(v), -kLimit, kLimit);
 }
 
 // Frames of one picture, stacked down or across. The pixels belong to the bitmap cache.

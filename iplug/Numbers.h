@@ -4,8 +4,10 @@
 
 #include <cstdint>
 
-// Toward zero; beyond the range of int its nearest end, and 0 for what is not a number.
-int SaturateToInt(double value);
+#include "numeric/Convert.h"
+
+// Toward zero; beyond the range of int its nearest end, and 0 for NaN.
+constexpr int SaturateToInt(double value) { return saturate_to_int(value); }
 int SaturateToInt(std::int64_t value);
 
 // Copies `text` (null counts as empty) into `out` of `size` bytes, cut with its end mark kept.

@@ -7,27 +7,11 @@
 
 #include "graphics/lice/LICE_Blend.h"
 #include "graphics/lice/LICE_Surface.h"
+#include "graphics/lice/LICE_UTF8.h"
 
 namespace {
 
-// Takes the next character off UTF-8 text; U+FFFD for each byte that belongs to none.
-char32_t NextCharacter(const char*& p, const char* end) {
-  constexpr char32_t kBroken = 0xFFFD;
-  const auto lead = static_cast<unsigned char>(*p++);
-  if (lead < 0x80) return lead;
-  const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-  if (lead < 0xC2 || lead > 0xF4 || end - p < more) return kBroken;
-  char32_t code = lead & (0x3Fu >> more);
-  for (int i = 0; i < more; ++i) {
-    const auto next = static_cast<unsigned char>(p[i]);
-    if ((next & 0xC0) != 0x80) return kBroken;
-    code = code << 6 | (next & 0x3F);
-  }
-  constexpr char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};  // of each length
-  if (code < kLeast[more] || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) return kBroken;
-  p += more;
-  return code;
-}
+constexpr char32_t kReplacement = 0xFFFD;  // drawn for what is not UTF-8
 
 std::vector<char32_t> Decode(const char* text, int length) {
   std::vector<char32_t> codes;
@@ -35,8 +19,8 @@ std::vector<char32_t> Decode(const char* text, int length) {
   const char* const end =
       text + (length < 0 ? std::strlen(text) : static_cast<std::size_t>(length));
   while (text < end) {
-    const char32_t code = NextCharacter(text, end);
-    if (code >= 0x20) codes.push_back(code);
+    const char32_t code = LICE_NextCharacter(text, end);
+    if (code >= 0x20) codes.push_back(code == LICE_NO_CHARACTER ? kReplacement : code);
   }
   return codes;
 }

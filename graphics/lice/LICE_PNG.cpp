@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -13,19 +12,15 @@ namespace {
 
 constexpr png_uint_32 kMaxSide = 16384;
 constexpr png_uint_32 kMaxPixels = png_uint_32{1} << 24;
-constexpr std::size_t kMaxFile = std::size_t{1} << 27;  // more than the largest image unpacked
 
 // libpng reports errors by a long jump. Those functions below that set its target hold no object
 // that needs to be destroyed; what is to be released is owned here, by their callers.
 struct Decoder {
-  Decoder(const void* data, std::size_t size)
-      : at(static_cast<const unsigned char*>(data)), left(size) {}
+  Decoder() = default;
   ~Decoder() { png_destroy_read_struct(&png, &info, nullptr); }
   Decoder(const Decoder&) = delete;
   Decoder& operator=(const Decoder&) = delete;
 
-  const unsigned char* at;  // next byte of the file
-  std::size_t left;         // bytes of the file from there
   png_structp png = nullptr;
   png_infop info = nullptr;
 };
@@ -33,16 +28,8 @@ struct Decoder {
 [[noreturn]] void OnError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void OnWarning(png_structp, png_const_charp) {}
 
-void OnRead(png_structp png, png_bytep out, std::size_t n) {
-  Decoder& decoder = *static_cast<Decoder*>(png_get_io_ptr(png));
-  if (n > decoder.left) png_error(png, "end of file");
-  std::memcpy(out, decoder.at, n);
-  decoder.at += n;
-  decoder.left -= n;
-}
-
 // Reads up to the pixels and asks for them as bytes A, R, G, B.
-bool ReadHeader(Decoder& d) {
+bool ReadHeader(Decoder& d, std::FILE* file) {
   d.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning);
   if (d.png) d.info = png_create_info_struct(d.png);
   if (!d.info) return false;
@@ -50,7 +37,7 @@ bool ReadHeader(Decoder& d) {
   png_set_user_limits(d.png, kMaxSide, kMaxSide);
   // Damage counts wherever it is: without the chunk of its transparency a picture is another.
   png_set_crc_action(d.png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
-  png_set_read_fn(d.png, &d, OnRead);
+  png_init_io(d.png, file);
   png_read_info(d.png, d.info);
   png_set_expand(d.png);
   png_set_scale_16(d.png);
@@ -74,9 +61,9 @@ bool ReadPixels(Decoder& d, png_bytepp rows) {
   return true;
 }
 
-bool Decode(const void* data, std::size_t size, LICE_IBitmap& into) {
-  Decoder decoder(data, size);
-  if (!ReadHeader(decoder)) return false;
+bool Decode(std::FILE* file, LICE_IBitmap& into) {
+  Decoder decoder;
+  if (!ReadHeader(decoder, file)) return false;
   const png_uint_32 width = png_get_image_width(decoder.png, decoder.info);
   const png_uint_32 height = png_get_image_height(decoder.png, decoder.info);
   if (width * height > kMaxPixels) return false;
@@ -94,36 +81,28 @@ bool Decode(const void* data, std::size_t size, LICE_IBitmap& into) {
 struct FileCloser {
   void operator()(std::FILE* f) const { std::fclose(f); }
 };
+using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// The whole file; empty if it can't be read or is too large to be an image of ours.
-std::vector<unsigned char> ReadFile(const char* path) {
-  const std::unique_ptr<std::FILE, FileCloser> file(path ? std::fopen(path, "rb") : nullptr);
-  std::vector<unsigned char> bytes;
-  if (!file) return bytes;
-  unsigned char chunk[16384];
-  while (const std::size_t n = std::fread(chunk, 1, sizeof chunk, file.get())) {
-    if (bytes.size() + n > kMaxFile) return {};
-    bytes.insert(bytes.end(), chunk, chunk + n);
-  }
-  return bytes;
-}
-
-}  // namespace
-
-LICE_IBitmap* LICE_LoadPNGFromMemory(const void* data, std::size_t size, LICE_IBitmap* into) {
+LICE_IBitmap* Load(const File& file, LICE_IBitmap* into) {
   std::unique_ptr<LICE_IBitmap> made;
   if (!into) {
     made = std::make_unique<LICE_MemBitmap>(0, 0, 4);
     into = made.get();
   }
-  if (!data || size == 0 || !Decode(data, size, *into)) {
+  if (!file || !Decode(file.get(), *into)) {
     into->resize(0, 0);
     return nullptr;
   }
   return made ? made.release() : into;
 }
 
+}  // namespace
+
+LICE_IBitmap* LICE_LoadPNGFromMemory(const void* data, std::size_t size, LICE_IBitmap* into) {
+  const bool isEmpty = !data || size == 0;
+  return Load(File(isEmpty ? nullptr : fmemopen(const_cast<void*>(data), size, "rb")), into);
+}
+
 LICE_IBitmap* LICE_LoadPNG(const char* path, LICE_IBitmap* into) {
-  const std::vector<unsigned char> bytes = ReadFile(path);
-  return LICE_LoadPNGFromMemory(bytes.data(), bytes.size(), into);
+  return Load(File(path ? std::fopen(path, "rb") : nullptr), into);
 }

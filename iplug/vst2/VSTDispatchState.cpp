@@ -6,11 +6,6 @@ namespace {
 
 constexpr VstIntPtr kLargestChunk = VstIntPtr{64} << 20;  // bytes
 constexpr int kProgramNameSize = kVstMaxNameLen;
-constexpr VstIntPtr kVendorAnswer = 0xBEEF;
-
-// Extension calls about the text and the steps of a parameter.
-constexpr std::int32_t kVendorFormatParam = 7;
-constexpr std::int32_t kVendorIsStepped = 8;
 
 void CopyProgramName(const IPlugBase& plug, int idx, void* ptr) {
   CopyText(static_cast<char*>(ptr), kProgramNameSize, plug.GetPresetName(idx));
@@ -118,7 +113,7 @@ VstIntPtr VSTDispatch::String2Parameter(IPlugVST& plug, const VSTCall& call) {
 
 VstIntPtr VSTDispatch::VendorSpecific(IPlugVST& plug, const VSTCall& call) {
   const IParam* param = plug.GetParam(SaturateToInt(std::int64_t{call.value}));
-  if (call.index == kVendorFormatParam && call.ptr) {
+  if (call.index == kVendorTextOfValue && call.ptr) {
     if (param) {
       param->GetDisplayForHost(static_cast<double>(call.opt), true, static_cast<char*>(call.ptr));
     }

@@ -127,7 +127,7 @@ enum AEffectOpcodes : std::int32_t {
   effGetVendorString = 47,
   effGetProductString = 48,
   effGetVendorVersion = 49,
-  effVendorSpecific = 50,
+  effVendorSpecific = 50,  // `index` is one of EVendorCode
   effCanDo = 51,
   effGetTailSize = 52,
   effIdle = 53,
@@ -148,6 +148,14 @@ enum AEffectOpcodes : std::int32_t {
   effEndSetProgram = 68,
   effGetSpeakerArrangement = 69
 };
+
+// Extensions of some hosts under effVendorSpecific; `value` is the parameter's index. The answer to
+// a code that is known is kVendorAnswer.
+enum EVendorCode : std::int32_t {
+  kVendorTextOfValue = 7,  // ptr: char[kVstMaxParamStrLen] for the text of the normalised `opt`
+  kVendorIsStepped = 8     // whether the parameter moves in steps
+};
+inline constexpr VstIntPtr kVendorAnswer = 0xBEEF;
 
 // Plug-in to host, through audioMasterCallback.
 enum AudioMasterOpcodes : std::int32_t {

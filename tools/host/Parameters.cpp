@@ -10,11 +10,6 @@
 
 namespace {
 
-// Extensions of some hosts under effVendorSpecific: the text of a normalised value, and whether a
-// parameter moves in steps. The answer to both is this mark.
-constexpr int kTextOfValue = 7;
-constexpr int kIsStepped = 8;
-constexpr VstIntPtr kAnswered = 0xBEEF;
 constexpr int kChoiceProbes = 1024;  // positions tried to find all choices
 
 std::optional<double> Number(const std::string& text) {
@@ -77,8 +72,9 @@ std::string Parameter::Range() const {
 
 std::string DisplayOf(PluginHost& host, int id, float normalised) {
   VstIntPtr answer = 0;
-  const std::string text = host.Text(effVendorSpecific, kTextOfValue, id, normalised, &answer);
-  return answer == kAnswered ? text : "";
+  const std::string text =
+      host.Text(effVendorSpecific, kVendorTextOfValue, id, normalised, &answer);
+  return answer == kVendorAnswer ? text : "";
 }
 
 Parameter LearnParameter(PluginHost& host, int id) {
@@ -89,7 +85,7 @@ Parameter LearnParameter(PluginHost& host, int id) {
                       .display = host.Text(effGetParamDisplay, id),
                       .minText = DisplayOf(host, id, 0),
                       .maxText = DisplayOf(host, id, 1)};
-  parameter.stepped = host.Dispatch(effVendorSpecific, kIsStepped, id) == kAnswered;
+  parameter.stepped = host.Dispatch(effVendorSpecific, kVendorIsStepped, id) == kVendorAnswer;
   parameter.min = Number(parameter.minText);
   parameter.max = Number(parameter.maxText);
   const bool told = !parameter.minText.empty() && !parameter.maxText.empty();

@@ -1,6 +1,9 @@
 // A file that appears under its name only when it is whole.
 #pragma once
+#include <optional>
 #include <string>
+
+#include "iplug/FileBytes.h"
 
 // Writes beside the target and renames at the end. Until Commit the target keeps its former
 // content; without Commit, or after an interrupt, nothing is left behind. A symbolic link as target
@@ -13,14 +16,15 @@ class AtomicFile {
   AtomicFile(const AtomicFile&) = delete;
   AtomicFile& operator=(const AtomicFile&) = delete;
 
-  const std::string& Path() const { return mPath; }  // where to write meanwhile
+  const std::string& Path() const { return mFile->Path(); }  // where to write meanwhile
+  void Write(const void* data, std::size_t size);            // the whole content
   void Commit();
 
  private:
-  std::string mShown;   // the target as the user wrote it
-  std::string mTarget;  // with symbolic links resolved
-  std::string mPath;    // the unfinished file, in the target's folder
-  bool mCommitted = false;
+  void Require(bool done);
+
+  std::string mShown;  // the target as the user wrote it
+  std::optional<FileReplacement> mFile;
 };
 
 // Writes `size` bytes to `target` in one go, whole or not at all.

@@ -7,15 +7,13 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
+#include "iplug/FileBytes.h"
 #include "tools/io/Failure.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::uintmax_t kLargest = 64 << 20;
 
 [[noreturn]] void Fail(const std::string& line) { throw Failure(ExitCode::Input, line); }
 
@@ -34,10 +32,8 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   RequireReadable(path);
   std::error_code error;
   const std::uintmax_t size = fs::file_size(path, error);
-  if (error || size > kLargest) Fail("cannot read " + path + ": it has more than 64 MiB");
-  std::vector<std::uint8_t> bytes(size);
-  std::ifstream stream(path, std::ios::binary);
-  stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));
-  if (!stream) Fail("cannot read " + path + " to its end");
+  if (error || size > kLargestFile) Fail("cannot read " + path + ": it has more than 64 MiB");
+  std::vector<std::uint8_t> bytes;
+  if (!ReadFileBytes(path.c_str(), &bytes)) Fail("cannot read " + path + " to its end");
   return bytes;
 }
