@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cstdio>
 
-TestPlug::TestPlug()
+EditedPlug::EditedPlug()
     : IPlugVST([](AEffect*, std::int32_t, std::int32_t, VstIntPtr, void*,
                   float) -> VstIntPtr { return 0; },
-               kNumTestParams, "2-2", 1, "Test", "", "Maker", 0x10000, 1, 2) {
+               kNumEditedParams, "2-2", 1, "Test", "", "Maker", 0x10000, 1, 2) {
   GetParam(kLevel)->InitDouble("Level", 0.25, 0.0, 1.0, 0.01, "dB");
   GetParam(kCount)->InitInt("Count", 4, 0, 10);
   GetParam(kColour)->InitEnum("Colour", 1, 3);
@@ -20,7 +20,7 @@ TestPlug::TestPlug()
   GetParam(kNegated)->NegateDisplay(true);
 }
 
-void TestPlug::InformHostOfParamChange(int idx, double normalizedValue) {
+void EditedPlug::InformHostOfParamChange(int idx, double normalizedValue) {
   char text[64];
   std::snprintf(text, sizeof(text), "set %d %.3f", idx, normalizedValue);
   calls.push_back(text);

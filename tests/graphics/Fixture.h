@@ -18,19 +18,19 @@ constexpr uint32_t kRed = kColorRed.Pixel();
 constexpr uint32_t kGreen = kColorGreen.Pixel();
 constexpr uint32_t kBlue = kColorBlue.Pixel();
 
-enum ETestParam {
+enum EEditedParam {
   kLevel,    // double 0 to 1, default 0.25, two decimals, "dB"
   kCount,    // int 0 to 10, default 4
   kColour,   // enum "red", "green", "blue", default 1
   kOnOff,    // bool
   kNegated,  // double 0 to 12, shown with opposite sign
-  kNumTestParams
+  kNumEditedParams
 };
 
 // Writes down each call as words: "begin 0", "set 0 0.500", "changed 0", "end 0".
-class TestPlug : public IPlugVST {
+class EditedPlug : public IPlugVST {
  public:
-  TestPlug();
+  EditedPlug();
   void OnParamChange(int idx) override { Note("changed", idx); }
   void BeginInformHostOfParamChange(int idx) override { Note("begin", idx); }
   void InformHostOfParamChange(int idx, double normalizedValue) override;
@@ -139,7 +139,7 @@ class EditorTest : public ::testing::Test {
   void SetLevel(double value);
   void Click(int x, int y);
 
-  TestPlug plug;
+  EditedPlug plug;
   TestGraphics* graphics;  // owned by the plug-in from Show on
   bool isAttached = false;
   IMouseMod left{true}, right{false, true}, shifted{true, false, true};

@@ -1,7 +1,7 @@
 // tolmara save-preset, tolmara save-bank: an effect's settings as fxp and fxb files.
 #include "tools/commands/Commands.h"
 #include "tools/commands/Settings.h"
-#include "tools/host/PresetFiles.h"
+#include "tools/host/StateFiles.h"
 #include "tools/io/AtomicFile.h"
 
 namespace {

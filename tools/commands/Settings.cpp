@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "tools/host/Parameters.h"
-#include "tools/host/PresetFiles.h"
+#include "tools/host/StateFiles.h"
 #include "tools/io/Failure.h"
 #include "tools/io/Nearest.h"
 
@@ -77,6 +77,6 @@ std::unique_ptr<PluginHost> OpenPlugin(const Settings& settings) {
 void ApplySettings(PluginHost& host, const Settings& settings) {
   if (!settings.preset.empty()) SelectPreset(host, settings.preset);
   const std::string& file = settings.presetFile;
-  if (!file.empty()) UseProgram(host, ReadProgramFile(host, file), file);
+  if (!file.empty()) UseProgram(host, CheckedProgram(host, file), file);
   for (const std::string& setting : settings.sets) MakeSetting(host, setting);
 }

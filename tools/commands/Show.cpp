@@ -4,7 +4,7 @@
 #include "tools/commands/Commands.h"
 #include "tools/commands/Listing.h"
 #include "tools/commands/Settings.h"
-#include "tools/host/PresetFiles.h"
+#include "tools/host/StateFiles.h"
 #include "tools/io/Failure.h"
 #include "tools/io/Nearest.h"
 #include "tools/io/Table.h"
@@ -27,12 +27,12 @@ struct NamedProgram {
 std::vector<NamedProgram> ProgramsOf(PluginHost& host, const std::string& path) {
   std::vector<NamedProgram> programs;
   if (!IsBankFile(path)) {
-    const ProgramFile program = ReadProgramFile(host, path);
+    const ProgramFile program = CheckedProgram(host, path);
     UseProgram(host, program, path);
     programs.push_back({program.name, LearnParameters(host)});
     return programs;
   }
-  const BankFile bank = ReadBankFile(host, path);
+  const BankFile bank = CheckedBank(host, path);
   for (const ProgramFile& program : bank.programs) {
     UseProgram(host, program, path);
     programs.push_back({program.name, LearnParameters(host)});

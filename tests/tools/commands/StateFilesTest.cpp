@@ -7,12 +7,12 @@ namespace {
 
 using Json = nlohmann::json;
 
-class PresetFilesTest : public ToolTest {
+class StateFilesTest : public ToolTest {
  protected:
   Json JsonOf(const Words& arguments) { return Json::parse(Works(arguments + Words{"--json"})); }
 };
 
-TEST_F(PresetFilesTest, ListsTellWhatTheEffectTells) {
+TEST_F(StateFilesTest, ListsTellWhatTheEffectTells) {
   const Json params = JsonOf({"params", "--preset", "Echoing", "--set", "Level=3"});
   ASSERT_EQ(params.size(), 6U);
   EXPECT_EQ(params[0], Json::parse(R"({"id": 0, "name": "Level", "value": 0.75, "text": "3.00",
@@ -27,7 +27,7 @@ TEST_F(PresetFilesTest, ListsTellWhatTheEffectTells) {
   EXPECT_NE(table.find("1   Echo    0      0 to 5000     ms"), std::string::npos) << table;
 }
 
-TEST_F(PresetFilesTest, APresetComesBackFromItsFileAsItWasSaved) {
+TEST_F(StateFilesTest, APresetComesBackFromItsFileAsItWasSaved) {
   Works({"save-preset", "one.fxp", "--preset", "Doubled", "--set", "Decay=0.125", "--name",
          "A\nname of more than twenty-seven letters"});
   const std::string bytes = Bytes("one.fxp");
@@ -42,7 +42,7 @@ TEST_F(PresetFilesTest, APresetComesBackFromItsFileAsItWasSaved) {
   EXPECT_NE(text.find("\"A?name of"), std::string::npos) << "no control characters in " << text;
 }
 
-TEST_F(PresetFilesTest, ABankHoldsEveryPresetAndTheSettingsAskedFor) {
+TEST_F(StateFilesTest, ABankHoldsEveryPresetAndTheSettingsAskedFor) {
   Works({"save-bank", "all.fxb", "--preset", "Doubled", "--set", "Decay=0.25"});
   const Json shown = JsonOf({"show", "all.fxb"});
   ASSERT_EQ(shown["presets"].size(), 3U);
@@ -55,7 +55,7 @@ TEST_F(PresetFilesTest, ABankHoldsEveryPresetAndTheSettingsAskedFor) {
   EXPECT_EQ(Tolmara({"show", "all.fxb", "--preset", "x"}).code, 4);
 }
 
-TEST_F(PresetFilesTest, ADamagedFileGetsOneLineThatSaysWhatIsWrongWithIt) {
+TEST_F(StateFilesTest, ADamagedFileGetsOneLineThatSaysWhatIsWrongWithIt) {
   Works({"save-preset", "one.fxp"});
   Works({"save-bank", "all.fxb"});
   struct Case {

@@ -7,7 +7,7 @@
 #include <vector>
 
 // What keeps a file from being read.
-enum class PresetFault {
+enum class FxpFault {
   kNone,
   kTooShort,
   kWrongMagic,
@@ -17,10 +17,10 @@ enum class PresetFault {
   kStateChunk,  // in the chunk form, for a plug-in that does not save chunks
 };
 // One line for people; "" for kNone.
-const char* PresetFaultText(PresetFault fault);
+const char* FxpFaultText(FxpFault fault);
 
 // What a plug-in asks of a file.
-struct PresetFormat {
+struct FxpExpected {
   std::int32_t fxID = 0;
   std::int32_t numParams = 0;
   bool chunks = false;  // the plug-in saves opaque chunks
@@ -50,10 +50,10 @@ struct BankFile {
 // it (0 for the first) and `complete` becomes false. A bank keeps the programs before a fault in
 // one. Neither `byteSize` nor `fxVersion` nor the version of a bank is looked at. `complete` may be
 // null.
-PresetFault ParseProgramFile(const std::uint8_t* data, std::size_t size, const PresetFormat& format,
-                             ProgramFile* program, bool* complete = nullptr);
-PresetFault ParseBankFile(const std::uint8_t* data, std::size_t size, const PresetFormat& format,
-                          BankFile* bank, bool* complete = nullptr);
+FxpFault ParseProgramFile(const std::uint8_t* data, std::size_t size, const FxpExpected& format,
+                          ProgramFile* program, bool* complete = nullptr);
+FxpFault ParseBankFile(const std::uint8_t* data, std::size_t size, const FxpExpected& format,
+                       BankFile* bank, bool* complete = nullptr);
 
 std::vector<std::uint8_t> EncodeProgramFile(const ProgramFile& program);
 std::vector<std::uint8_t> EncodeBankFile(const BankFile& bank);

@@ -1,5 +1,5 @@
-// Preset and bank files against a loaded effect.
-#include "tools/host/PresetFiles.h"
+// Preset and bank files of a loaded effect: what it keeps, and what a file may give it.
+#include "tools/host/StateFiles.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,13 +15,13 @@ constexpr std::size_t kMarkOffset = 8;  // of the four letters that tell the kin
   throw Failure(ExitCode::Input, path + ": " + fault);
 }
 
-PresetFormat FormatOf(const PluginHost& host) {
+FxpExpected FormatOf(const PluginHost& host) {
   return {.fxID = host.UniqueId(), .numParams = host.NumParams(), .chunks = host.KeepsChunks()};
 }
 
-void RequireSound(const std::string& path, PresetFault fault, bool complete) {
-  if (fault != PresetFault::kNone) Fail(path, PresetFaultText(fault));
-  if (!complete) Fail(path, PresetFaultText(PresetFault::kTooShort));
+void RequireSound(const std::string& path, FxpFault fault, bool complete) {
+  if (fault != FxpFault::kNone) Fail(path, FxpFaultText(fault));
+  if (!complete) Fail(path, FxpFaultText(FxpFault::kTooShort));
 }
 
 void RequirePositions(const std::string& path, const ProgramFile& program) {
@@ -57,23 +57,23 @@ bool IsBankFile(const std::string& path) {
   return is("FxBk") || is("FBCh");
 }
 
-ProgramFile ReadProgramFile(const PluginHost& host, const std::string& path) {
+ProgramFile CheckedProgram(const PluginHost& host, const std::string& path) {
   if (IsBankFile(path)) Fail(path, "this is a bank, not a preset");
   const std::vector<std::uint8_t> bytes = ReadWholeFile(path);
   ProgramFile program;
   bool complete = false;
-  const PresetFault fault =
+  const FxpFault fault =
       ParseProgramFile(bytes.data(), bytes.size(), FormatOf(host), &program, &complete);
   RequireSound(path, fault, complete);
   RequirePositions(path, program);
   return program;
 }
 
-BankFile ReadBankFile(const PluginHost& host, const std::string& path) {
+BankFile CheckedBank(const PluginHost& host, const std::string& path) {
   const std::vector<std::uint8_t> bytes = ReadWholeFile(path);
   BankFile bank;
   bool complete = false;
-  const PresetFault fault =
+  const FxpFault fault =
       ParseBankFile(bytes.data(), bytes.size(), FormatOf(host), &bank, &complete);
   RequireSound(path, fault, complete);
   for (const ProgramFile& program : bank.programs) RequirePositions(path, program);

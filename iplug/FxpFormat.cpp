@@ -1,5 +1,5 @@
 // Big-endian fields of program and bank files.
-#include "iplug/PresetFile.h"
+#include "iplug/FxpFormat.h"
 
 #include <algorithm>
 #include <bit>
@@ -118,8 +118,8 @@ Head ReadHead(Reader* reader) {
 }
 
 // A field that differs because the file ends before it is a file too short.
-PresetFault Differs(const Reader& reader, PresetFault fault) {
-  return reader.IsShort() ? PresetFault::kTooShort : fault;
+FxpFault Differs(const Reader& reader, FxpFault fault) {
+  return reader.IsShort() ? FxpFault::kTooShort : fault;
 }
 
 // The values, from what follows the name; short files repeat.
@@ -133,20 +133,20 @@ void ReadValues(Reader* reader, std::int32_t numParams, std::vector<float>* valu
 }
 
 // The start of a program, in a file of its own or within a bank, up to the end of its name.
-PresetFault ReadProgramHead(Reader* reader, const PresetFormat& format, bool checkID, Head* head,
-                            ProgramFile* program) {
+FxpFault ReadProgramHead(Reader* reader, const FxpExpected& format, bool checkID, Head* head,
+                         ProgramFile* program) {
   *head = ReadHead(reader);
-  if (head->chunkMagic != kFile) return Differs(*reader, PresetFault::kWrongMagic);
-  if (head->version != kProgramVersion) return Differs(*reader, PresetFault::kWrongVersion);
-  if (checkID && head->fxID != format.fxID) return Differs(*reader, PresetFault::kOtherPlugin);
+  if (head->chunkMagic != kFile) return Differs(*reader, FxpFault::kWrongMagic);
+  if (head->version != kProgramVersion) return Differs(*reader, FxpFault::kWrongVersion);
+  if (checkID && head->fxID != format.fxID) return Differs(*reader, FxpFault::kOtherPlugin);
   program->fxID = head->fxID;
   program->fxVersion = head->fxVersion;
   reader->Int(&program->numParams);
   if (program->numParams != format.numParams) {
-    return Differs(*reader, PresetFault::kWrongParamCount);
+    return Differs(*reader, FxpFault::kWrongParamCount);
   }
   reader->Name(&program->name);
-  return PresetFault::kNone;
+  return FxpFault::kNone;
 }
 
 void Report(const Reader& reader, bool* complete) {
@@ -179,53 +179,53 @@ void WriteProgram(Writer* writer, const ProgramFile& program) {
 
 }  // namespace
 
-const char* PresetFaultText(PresetFault fault) {
+const char* FxpFaultText(FxpFault fault) {
   switch (fault) {
-    case PresetFault::kNone: return "";
-    case PresetFault::kTooShort: return "the file is too short";
-    case PresetFault::kWrongMagic: return "wrong magic: this is no preset file of this kind";
-    case PresetFault::kWrongVersion: return "a version of the format that is not known";
-    case PresetFault::kOtherPlugin: return "another plug-in's id";
-    case PresetFault::kWrongParamCount: return "wrong parameter count";
-    case PresetFault::kStateChunk: return "a state chunk, which this plug-in does not read";
+    case FxpFault::kNone: return "";
+    case FxpFault::kTooShort: return "the file is too short";
+    case FxpFault::kWrongMagic: return "wrong magic: this is no preset file of this kind";
+    case FxpFault::kWrongVersion: return "a version of the format that is not known";
+    case FxpFault::kOtherPlugin: return "another plug-in's id";
+    case FxpFault::kWrongParamCount: return "wrong parameter count";
+    case FxpFault::kStateChunk: return "a state chunk, which this plug-in does not read";
   }
   return "";
 }
 
-PresetFault ParseProgramFile(const std::uint8_t* data, std::size_t size, const PresetFormat& format,
-                             ProgramFile* program, bool* complete) {
+FxpFault ParseProgramFile(const std::uint8_t* data, std::size_t size, const FxpExpected& format,
+                          ProgramFile* program, bool* complete) {
   *program = {};
-  if (size < kLeastProgram) return PresetFault::kTooShort;
+  if (size < kLeastProgram) return FxpFault::kTooShort;
   Reader reader(data, size);
   Head head;
-  const PresetFault fault = ReadProgramHead(&reader, format, true, &head, program);
-  if (fault != PresetFault::kNone) return fault;
+  const FxpFault fault = ReadProgramHead(&reader, format, true, &head, program);
+  if (fault != FxpFault::kNone) return fault;
   program->isChunk = head.fxMagic == kProgramChunk;
   if (program->isChunk && format.chunks) {
     reader.Skip(4);  // the size, which says no more than the end of the file
     program->chunk = reader.Rest();
   } else if (head.fxMagic != kProgram) {
-    return program->isChunk ? PresetFault::kStateChunk : PresetFault::kWrongMagic;
+    return program->isChunk ? FxpFault::kStateChunk : FxpFault::kWrongMagic;
   } else {
     ReadValues(&reader, format.numParams, &program->values);
   }
   Report(reader, complete);
-  return PresetFault::kNone;
+  return FxpFault::kNone;
 }
 
-PresetFault ParseBankFile(const std::uint8_t* data, std::size_t size, const PresetFormat& format,
-                          BankFile* bank, bool* complete) {
+FxpFault ParseBankFile(const std::uint8_t* data, std::size_t size, const FxpExpected& format,
+                       BankFile* bank, bool* complete) {
   *bank = {};
-  if (size < kLeastBank) return PresetFault::kTooShort;
+  if (size < kLeastBank) return FxpFault::kTooShort;
   Reader reader(data, size);
   const Head head = ReadHead(&reader);
-  if (head.chunkMagic != kFile) return PresetFault::kWrongMagic;
-  if (head.fxID != format.fxID) return Differs(reader, PresetFault::kOtherPlugin);
+  if (head.chunkMagic != kFile) return FxpFault::kWrongMagic;
+  if (head.fxID != format.fxID) return Differs(reader, FxpFault::kOtherPlugin);
   bank->fxID = head.fxID;
   bank->fxVersion = head.fxVersion;
   bank->isChunk = head.fxMagic == kBankChunk;
   if (bank->isChunk ? !format.chunks : head.fxMagic != kBank) {
-    return bank->isChunk ? PresetFault::kStateChunk : PresetFault::kWrongMagic;
+    return bank->isChunk ? FxpFault::kStateChunk : FxpFault::kWrongMagic;
   }
   reader.Int(&bank->numPrograms);
   reader.Int(&bank->currentProgram);
@@ -237,14 +237,14 @@ PresetFault ParseBankFile(const std::uint8_t* data, std::size_t size, const Pres
   for (std::int32_t i = 0; i < bank->numPrograms && !bank->isChunk; ++i) {
     ProgramFile program;
     Head entry;
-    const PresetFault fault = ReadProgramHead(&reader, format, false, &entry, &program);
-    if (fault != PresetFault::kNone) return fault;
-    if (entry.fxMagic != kProgram) return PresetFault::kWrongMagic;
+    const FxpFault fault = ReadProgramHead(&reader, format, false, &entry, &program);
+    if (fault != FxpFault::kNone) return fault;
+    if (entry.fxMagic != kProgram) return FxpFault::kWrongMagic;
     ReadValues(&reader, format.numParams, &program.values);
     bank->programs.push_back(std::move(program));
   }
   Report(reader, complete);
-  return PresetFault::kNone;
+  return FxpFault::kNone;
 }
 
 std::vector<std::uint8_t> EncodeProgramFile(const ProgramFile& program) {

@@ -9,7 +9,7 @@
 #include <filesystem>
 
 #include "iplug/FileBytes.h"
-#include "iplug/PresetFile.h"
+#include "iplug/FxpFormat.h"
 #include "tests/iplug/TestPlug.h"
 
 namespace {
@@ -55,7 +55,7 @@ bool ReadBank(Rig& rig, const Bytes& bytes) {
   return rig.plug->ReadBankFile(bytes.data(), bytes.size());
 }
 
-PresetFault Parse(const Bytes& bytes, bool* complete = nullptr) {
+FxpFault Parse(const Bytes& bytes, bool* complete = nullptr) {
   ProgramFile program;
   return ParseProgramFile(bytes.data(), bytes.size(), {0x54657374, 6, false}, &program, complete);
 }
@@ -145,20 +145,20 @@ TEST(PresetFiles, SavedAndLoadedAgainTheySoundTheSameInBothForms) {
 
 TEST(PresetFiles, ADamagedHeaderIsNamedAndChangesNothing) {
   const Bytes good = Hand().Program("x", kNormalised).bytes;
-  for (const auto& [bytes, fault] : {std::pair{Cut(good, 15), PresetFault::kTooShort},
-                                     {Cut(good, 0), PresetFault::kTooShort},
-                                     {Cut(good, 26), PresetFault::kTooShort},
-                                     {With(good, 0, 0), PresetFault::kWrongMagic},
-                                     {With(good, 8, 0x4678426B), PresetFault::kWrongMagic},
-                                     {With(good, 8, 0x46504368), PresetFault::kStateChunk},
-                                     {With(good, 12, 2), PresetFault::kWrongVersion},
-                                     {With(good, 16, 0x74736554), PresetFault::kOtherPlugin},
-                                     {With(good, 24, 7), PresetFault::kWrongParamCount}}) {
+  for (const auto& [bytes, fault] : {std::pair{Cut(good, 15), FxpFault::kTooShort},
+                                     {Cut(good, 0), FxpFault::kTooShort},
+                                     {Cut(good, 26), FxpFault::kTooShort},
+                                     {With(good, 0, 0), FxpFault::kWrongMagic},
+                                     {With(good, 8, 0x4678426B), FxpFault::kWrongMagic},
+                                     {With(good, 8, 0x46504368), FxpFault::kStateChunk},
+                                     {With(good, 12, 2), FxpFault::kWrongVersion},
+                                     {With(good, 16, 0x74736554), FxpFault::kOtherPlugin},
+                                     {With(good, 24, 7), FxpFault::kWrongParamCount}}) {
     Rig rig;
     const std::vector<double> before = rig.Values();
     EXPECT_EQ(Parse(bytes), fault);
-    EXPECT_STRNE(PresetFaultText(fault), "");
-    EXPECT_FALSE(ReadProgram(rig, bytes)) << PresetFaultText(fault);
+    EXPECT_STRNE(FxpFaultText(fault), "");
+    EXPECT_FALSE(ReadProgram(rig, bytes)) << FxpFaultText(fault);
     EXPECT_EQ(rig.Values(), before);
     EXPECT_EQ(rig.TakeLog(), "");
     EXPECT_TRUE(rig.host.calls.empty());

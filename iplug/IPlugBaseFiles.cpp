@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "iplug/FileBytes.h"
+#include "iplug/FxpFormat.h"
 #include "iplug/IPlugBase.h"
-#include "iplug/PresetFile.h"
 
 namespace {
 
@@ -89,8 +89,8 @@ std::vector<std::uint8_t> IPlugBase::BankFileBytes() {
 
 bool IPlugBase::ReadProgramFile(const std::uint8_t* data, std::size_t size) {
   ProgramFile program;
-  const PresetFormat format{mUniqueID, NParams(), mStateChunks};
-  if (ParseProgramFile(data, size, format, &program) != PresetFault::kNone) return false;
+  const FxpExpected format{mUniqueID, NParams(), mStateChunks};
+  if (ParseProgramFile(data, size, format, &program) != FxpFault::kNone) return false;
   {
     const PlugLock::Guard lock(mLock);
     if (program.isChunk) {
@@ -109,13 +109,13 @@ bool IPlugBase::ReadProgramFile(const std::uint8_t* data, std::size_t size) {
 
 bool IPlugBase::ReadBankFile(const std::uint8_t* data, std::size_t size) {
   BankFile bank;
-  const PresetFormat format{mUniqueID, NParams(), mStateChunks};
-  const PresetFault fault = ParseBankFile(data, size, format, &bank);
+  const FxpExpected format{mUniqueID, NParams(), mStateChunks};
+  const FxpFault fault = ParseBankFile(data, size, format, &bank);
   // kept: a file too short for any test counts as a bank without programs
   const bool empty = size < 4;
   {
     const PlugLock::Guard lock(mLock);
-    if (bank.isChunk && fault == PresetFault::kNone) {
+    if (bank.isChunk && fault == FxpFault::kNone) {
       FileChunk chunk(bank.chunk);
       UnserializePresets(&chunk.mChunk, chunk.mPos);
     } else {
@@ -126,7 +126,7 @@ bool IPlugBase::ReadBankFile(const std::uint8_t* data, std::size_t size) {
         StoreValues(program.values);
         ModifyCurrentPreset(program.name.c_str());
       }
-      if (fault != PresetFault::kNone && !empty) return false;
+      if (fault != FxpFault::kNone && !empty) return false;
       RestorePreset(bank.currentProgram < 0 ? mCurrentPresetIdx : bank.currentProgram);
     }
   }

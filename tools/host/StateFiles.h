@@ -1,15 +1,15 @@
-// Preset and bank files against a loaded effect.
+// Preset and bank files of a loaded effect: what it keeps, and what a file may give it.
 #pragma once
 #include <string>
 #include <vector>
 
-#include "iplug/PresetFile.h"
+#include "iplug/FxpFormat.h"
 #include "tools/host/PluginHost.h"
 
 // Read whole and checked before anything changes. They throw Failure (ExitCode::Input) with one
 // line about what is wrong: damaged, or made for another effect.
-ProgramFile ReadProgramFile(const PluginHost& host, const std::string& path);
-BankFile ReadBankFile(const PluginHost& host, const std::string& path);
+ProgramFile CheckedProgram(const PluginHost& host, const std::string& path);
+BankFile CheckedBank(const PluginHost& host, const std::string& path);
 bool IsBankFile(const std::string& path);  // by its mark
 
 // Gives the effect what a file holds; a bank's regular form goes program by program.
