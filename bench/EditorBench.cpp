@@ -21,10 +21,10 @@ VstIntPtr SilentHost(AEffect*, std::int32_t, std::int32_t, VstIntPtr, void*, flo
 // Noise that falls by 60 dB.
 AlignedVector<float> Response() {
   std::mt19937 random(1);
-  std::uniform_real_distribution<float> level(-1.0F, 1.0F);
+  std::uniform_real_distribution<float> level(-1.0f, 1.0f);
   AlignedVector<float> fir(kLongestResponse);
   for (std::size_t i = 0; i < fir.size(); ++i) {
-    fir[i] = level(random) * std::exp(-6.9F * static_cast<float>(i) / kLongestResponse);
+    fir[i] = level(random) * std::exp(-6.9f * static_cast<float>(i) / kLongestResponse);
   }
   return fir;
 }

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr IChannelBlend kAdd(IChannelBlend::kBlendAdd, 1.0F);
-constexpr float kWidest = 65536.0F;  // columns of any canvas lie below
+constexpr IChannelBlend kAdd(IChannelBlend::kBlendAdd, 1.0f);
+constexpr float kWidest = 65536.0f;  // columns of any canvas lie below
 
 // How many additions of a colour take every channel that it touches from 0 to 255. An addition
 // raises a channel of value c by at least c * A / 256.
@@ -23,7 +23,7 @@ int AdditionsToFill(const IColor& color) {
 }
 
 // The column of pixels at x, -1 outside of any canvas and for what is not a number.
-int ColumnOf(float x) { return x >= 0.0F && x < kWidest ? static_cast<int>(x) : -1; }
+int ColumnOf(float x) { return x >= 0.0f && x < kWidest ? static_cast<int>(x) : -1; }
 
 }  // namespace
 

@@ -49,7 +49,7 @@ void ITolmaraWaveformSpectrogram::SetComputing(bool computing) {
 void ITolmaraWaveformSpectrogram::SetResponse(int sampleRate, const AlignedVector<float>& fir) {
   const std::lock_guard lock(mMutex);
   mSampleRate = sampleRate;
-  mSpectrogram.update(sampleRate, fir, FIRSpectrogram<float>::Blackman, 256, 128, 256, 1e-6F);
+  mSpectrogram.update(sampleRate, fir, FIRSpectrogram<float>::Blackman, 256, 128, 256, 1e-6f);
   PrepareWaveform();
   PrepareSpectrogram();
 }
@@ -80,8 +80,8 @@ void ITolmaraWaveformSpectrogram::PrepareWaveform() {
 void ITolmaraWaveformSpectrogram::PrepareSpectrogram() {
   mMaxTime = mSpectrogram.get_max_time();
   mMinTimestep = mSpectrogram.get_min_timestep();
-  mMinDB = mag_to_dB(1e-6F);
-  mMaxDB = mag_to_dB(1.000001F);
+  mMinDB = mag_to_dB(1e-6f);
+  mMaxDB = mag_to_dB(1.000001f);
   mRangeDB = mMaxDB - mMinDB;
   mColumnCount = saturate_to_int(std::ceil(mMaxTime / mMinTimestep));
   mBinCount = mSpectrogram.get_num_half_bins();

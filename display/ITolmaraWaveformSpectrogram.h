@@ -54,30 +54,30 @@ class ITolmaraWaveformSpectrogram : public IControl {
   IText mTextMarks;                  // dB and kHz labels; its colour draws the horizontal marks
 
   int mWaveCount = 0;             // points of the polyline, one per sample
-  float mWaveLeft = 0.0F;         // left end of the axis
-  float mWaveBottom = 0.0F;       // zero line of the waveform
+  float mWaveLeft = 0.0f;         // left end of the axis
+  float mWaveBottom = 0.0f;       // zero line of the waveform
   AlignedVector<float> mWaveX;    // per sample
   AlignedVector<float> mWaveY;    // per sample
-  float mWaveScaleY = 0.0F;       // pixels per unit of amplitude, infinite for silence
-  float mWaveScaleX = 0.0F;       // pixels per sample on a linear axis, for inspection only
-  float mWaveLogStep = 0.0F;      // (e - 1) per sample of the response
-  float mWaveWidth = 0.0F;        // length of the axis
+  float mWaveScaleY = 0.0f;       // pixels per unit of amplitude, infinite for silence
+  float mWaveScaleX = 0.0f;       // pixels per sample on a linear axis, for inspection only
+  float mWaveLogStep = 0.0f;      // (e - 1) per sample of the response
+  float mWaveWidth = 0.0f;        // length of the axis
   IColor mWaveColor;              // of the polyline
   int mColumnCount = 0;           // frames to draw
   int mBinCount = 0;              // rows per frame
-  float mSpectrogramLeft = 0.0F;  // left end of the axis
-  float mSpectrogramBottom = 0.0F;
+  float mSpectrogramLeft = 0.0f;  // left end of the axis
+  float mSpectrogramBottom = 0.0f;
   AlignedVector<float> mColumnX;     // left end per frame, whole numbers
   AlignedVector<float> mBinY;        // per bin
   AlignedVector<float> mColumnTime;  // seconds per frame
-  float mMaxTime = 0.0F;             // seconds
-  float mMinTimestep = 0.0F;         // seconds from frame to frame
-  float mMinDB = 0.0F;               // shown black
-  float mMaxDB = 0.0F;               // shown in full colour
-  float mRangeDB = 0.0F;
-  float mSpectrogramWidth = 0.0F;
-  float mSpectrogramHeight = 0.0F;
-  float mBinStep = 0.0F;      // pixels per bin
-  float mTimeLogStep = 0.0F;  // (e - 1) per duration, per second
+  float mMaxTime = 0.0f;             // seconds
+  float mMinTimestep = 0.0f;         // seconds from frame to frame
+  float mMinDB = 0.0f;               // shown black
+  float mMaxDB = 0.0f;               // shown in full colour
+  float mRangeDB = 0.0f;
+  float mSpectrogramWidth = 0.0f;
+  float mSpectrogramHeight = 0.0f;
+  float mBinStep = 0.0f;      // pixels per bin
+  float mTimeLogStep = 0.0f;  // (e - 1) per duration, per second
   IColor mSpectrogramColor;   // of the full level
 };

@@ -13,7 +13,7 @@
 namespace {
 
 // Rows of the spectrogram add up where they meet.
-constexpr IChannelBlend kAdd(IChannelBlend::kBlendAdd, 1.0F);
+constexpr IChannelBlend kAdd(IChannelBlend::kBlendAdd, 1.0f);
 
 std::string Fixed2(float value) {
   char text[64];
@@ -86,7 +86,7 @@ void ITolmaraWaveformSpectrogram::DrawLevelMarks(IGraphics& graphics) {
       graphics.DrawHorizontalLine(&mTextMarks.mColor, TruncateToPixel(y),
                                   TruncateToPixel(static_cast<double>(mWaveLeft)), mWaveRect.R);
     }
-    magnitude *= 0.5F;
+    magnitude *= 0.5f;
   }
 }
 
@@ -94,7 +94,7 @@ void ITolmaraWaveformSpectrogram::DrawLevelMarks(IGraphics& graphics) {
 void ITolmaraWaveformSpectrogram::DrawSpectrogram(IGraphics& graphics) {
   for (std::size_t j = 0; j < mColumnX.size(); ++j) {
     const float x0 = mColumnX[j];
-    const float x1 = j + 1 < mColumnX.size() ? mColumnX[j + 1] : x0 + 1.0F;
+    const float x1 = j + 1 < mColumnX.size() ? mColumnX[j + 1] : x0 + 1.0f;
     if (x1 <= x0) continue;
     DrawSpectrogramRow(graphics, mSpectrogram.get_half_density_dB(mColumnTime[j]), x0, x1);
   }
@@ -110,7 +110,7 @@ void ITolmaraWaveformSpectrogram::DrawSpectrogramRow(IGraphics& graphics,
     // an overloaded bin.
     const IColor color(255, channel(mSpectrogramColor.R), channel(mSpectrogramColor.G),
                        channel(mSpectrogramColor.B));
-    graphics.DrawLine(&color, x0, mBinY[k], x1 - 1.0F, mBinY[k], &kAdd, false);
+    graphics.DrawLine(&color, x0, mBinY[k], x1 - 1.0f, mBinY[k], &kAdd, false);
   }
 }
 

@@ -26,7 +26,7 @@ class FuzzPlug : public IPlugVST {
 
   // A host call.
   VstIntPtr Dispatch(std::int32_t opcode, std::int32_t index = 0, VstIntPtr value = 0,
-                     void* ptr = nullptr, float opt = 0.0F) {
+                     void* ptr = nullptr, float opt = 0.0f) {
     AEffect* effect = GetAEffect();
     return effect->dispatcher(effect, opcode, index, value, ptr, opt);
   }

@@ -6,7 +6,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   double value = 0.0;
-  float normalized = 0.0F;
+  float normalized = 0.0f;
   if (size < 1 + sizeof value + sizeof normalized) return 0;
   std::memcpy(&value, data + 1, sizeof value);
   std::memcpy(&normalized, data + 1 + sizeof value, sizeof normalized);
@@ -24,8 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   plug.Dispatch(effGetParamDisplay, id, 0, text.data());
   plug.Dispatch(effGetParamLabel, id, 0, text.data());
   const float told = effect->getParameter(effect, id);
-  if (!(told >= 0.0F && told <= 1.0F)) std::abort();
-  effect->setParameter(effect, id, 0.5F);
+  if (!(told >= 0.0f && told <= 1.0f)) std::abort();
+  effect->setParameter(effect, id, 0.5f);
   plug.CheckRanges();
   return 0;
 }

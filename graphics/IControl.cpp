@@ -59,7 +59,7 @@ void IControl::Hide(bool hide) {
 
 void IControl::GrayOut(bool gray) {
   mGrayed = gray;
-  mBlend.mWeight = gray ? 0.25F : 1.0F;
+  mBlend.mWeight = gray ? 0.25f : 1.0f;
   SetDirty(false);
 }
 
@@ -128,8 +128,8 @@ void IControl::PromptUserInput() {
   if (param->GetNDisplayTexts() == 0) {
     const float cx = mRECT.MW();
     const float cy = mRECT.MH();
-    rect = {static_cast<int>(cx - 15.0F), static_cast<int>(cy - 8.0F), static_cast<int>(cx + 15.0F),
-            static_cast<int>(cy + 8.0F)};
+    rect = {static_cast<int>(cx - 15.0f), static_cast<int>(cy - 8.0f), static_cast<int>(cx + 15.0f),
+            static_cast<int>(cy + 8.0f)};
   }
   PromptUserInput(&rect);
 }
@@ -146,11 +146,11 @@ void IControl::AddAuxParam(int paramIdx) { mAuxParams.push_back({0.0, paramIdx})
 
 AuxParam* IControl::GetAuxParam(int idx) {
   const bool inRange = idx >= 0 && idx < static_cast<int>(mAuxParams.size());
-  return inRange ? &mAuxParams[static_cast<size_t>(idx)] : nullptr;
+  return inRange ? &mAuxParams[static_cast<std::size_t>(idx)] : nullptr;
 }
 
 int IControl::AuxParamIdx(int paramIdx) const {
-  for (size_t i = 0; i < mAuxParams.size(); ++i) {
+  for (std::size_t i = 0; i < mAuxParams.size(); ++i) {
     if (mAuxParams[i].mParamIdx == paramIdx) return static_cast<int>(i);
   }
   return -1;

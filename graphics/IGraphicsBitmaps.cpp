@@ -77,8 +77,8 @@ void IGraphics::ReleaseBitmap(IBitmap* bitmap) {
 
 IBitmap IGraphics::ScaleBitmap(const IBitmap* bitmap, int w, int h) {
   auto scaled = std::make_unique<LICE_MemBitmap>(w, h);
-  LICE_ScaledBlit(scaled.get(), static_cast<LICE_IBitmap*>(bitmap->mData), 0, 0, w, h, 0.0F, 0.0F,
-                  static_cast<float>(bitmap->W), static_cast<float>(bitmap->H), 1.0F,
+  LICE_ScaledBlit(scaled.get(), static_cast<LICE_IBitmap*>(bitmap->mData), 0, 0, w, h, 0.0f, 0.0f,
+                  static_cast<float>(bitmap->W), static_cast<float>(bitmap->H), 1.0f,
                   LICE_BLIT_MODE_COPY | LICE_BLIT_FILTER_BILINEAR);
   return Retained(std::move(scaled), bitmap->N, bitmap->mFramesAreHorizontal);
 }
@@ -86,6 +86,6 @@ IBitmap IGraphics::ScaleBitmap(const IBitmap* bitmap, int w, int h) {
 IBitmap IGraphics::CropBitmap(const IBitmap* bitmap, const IRECT* rect) {
   auto cropped = std::make_unique<LICE_MemBitmap>(rect->W(), rect->H());
   LICE_Blit(cropped.get(), static_cast<LICE_IBitmap*>(bitmap->mData), 0, 0, rect->L, rect->T,
-            rect->W(), rect->H(), 1.0F, LICE_BLIT_MODE_COPY);
+            rect->W(), rect->H(), 1.0f, LICE_BLIT_MODE_COPY);
   return Retained(std::move(cropped), bitmap->N, bitmap->mFramesAreHorizontal);
 }

@@ -59,7 +59,7 @@ IRECT IGraphics::DrawArea(const IRECT& rect, bool clean) {
 // inside reaches the canvas.
 void IGraphics::DrawInside(const IRECT& area, bool clean) {
   const auto copy = [](LICE_IBitmap& to, const LICE_IBitmap& from, const IRECT& r) {
-    LICE_Blit(&to, &from, r.L, r.T, r.L, r.T, r.W(), r.H(), 1.0F, LICE_BLIT_MODE_COPY);
+    LICE_Blit(&to, &from, r.L, r.T, r.L, r.T, r.W(), r.H(), 1.0f, LICE_BLIT_MODE_COPY);
   };
   mDrawRECT = area;
   LICE_FillRect(mFrameBitmap.get(), area.L, area.T, area.W(), area.H(), kColorBlack.Pixel());

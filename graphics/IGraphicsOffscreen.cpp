@@ -92,7 +92,7 @@ LICE_IBitmap* IGraphicsOffscreen::OSLoadBitmap(int, const char* name) {
   // Only the name counts: where the files lie is the platform's business.
   const std::string path = name ? name : "";
   const std::string file = path.substr(path.rfind('/') + 1);
-  const size_t dot = file.rfind('.');
+  const std::size_t dot = file.rfind('.');
   if (dot == std::string::npos || strcasecmp(file.c_str() + dot, ".png") != 0) return nullptr;
   return LICE_LoadPNG((GetResourceFolder() + "/" + file.substr(0, dot) + ".png").c_str());
 }

@@ -24,7 +24,7 @@ BlendMode ModeOf(const IChannelBlend* blend) {
       default: break;
     }
   }
-  return {LICE_BLIT_MODE_COPY | LICE_BLIT_USE_ALPHA, 1.0F};
+  return {LICE_BLIT_MODE_COPY | LICE_BLIT_USE_ALPHA, 1.0f};
 }
 
 LICE_IBitmap* PixelsOf(const IBitmap* bitmap) {
@@ -34,12 +34,12 @@ LICE_IBitmap* PixelsOf(const IBitmap* bitmap) {
 // A plain line, colour stored as it is.
 void OpaqueLine(LICE_IBitmap* canvas, const IColor& color, int x1, int y1, int x2, int y2) {
   LICE_Line(canvas, static_cast<float>(x1), static_cast<float>(y1), static_cast<float>(x2),
-            static_cast<float>(y2), color.Pixel(), 1.0F, LICE_BLIT_MODE_COPY, false);
+            static_cast<float>(y2), color.Pixel(), 1.0f, LICE_BLIT_MODE_COPY, false);
 }
 
 // Part of a length, in whole pixels.
 int FractionOf(int length, float fraction) {
-  return TruncateToPixel(std::clamp(fraction, 0.0F, 1.0F) * static_cast<float>(length));
+  return TruncateToPixel(std::clamp(fraction, 0.0f, 1.0f) * static_cast<float>(length));
 }
 
 }  // namespace
@@ -69,8 +69,8 @@ bool IGraphics::DrawRotatedBitmap(const IBitmap* bitmap, int destCtrX, int destC
   const auto [mode, weight] = ModeOf(blend);
   const int left = destCtrX - bitmap->W / 2;
   const int top = destCtrY - bitmap->H / 2;
-  const float pivotX = 0.5F * static_cast<float>(bitmap->W);
-  const float pivotY = 0.5F * static_cast<float>(bitmap->H) + static_cast<float>(yOffsetZeroDeg);
+  const float pivotX = 0.5f * static_cast<float>(bitmap->W);
+  const float pivotY = 0.5f * static_cast<float>(bitmap->H) + static_cast<float>(yOffsetZeroDeg);
   LICE_RotatedBlit(mDrawBitmap.get(), PixelsOf(bitmap), static_cast<float>(left) + pivotX,
                    static_cast<float>(top) + pivotY, pivotX, pivotY, static_cast<float>(angle),
                    weight, mode | LICE_BLIT_FILTER_BILINEAR);
@@ -84,13 +84,13 @@ bool IGraphics::DrawRotatedMask(const IBitmap* base, const IBitmap* mask, const 
   LICE_MemBitmap* tmp = mTmpBitmap.get();
   if (!tmp || !PixelsOf(base)) return true;
   tmp->resize(w, h);
-  LICE_Blit(tmp, PixelsOf(base), 0, 0, 0, 0, w, h, 1.0F, LICE_BLIT_MODE_COPY);
-  const float cx = 0.5F * static_cast<float>(w);
-  const float cy = 0.5F * static_cast<float>(h);
-  LICE_RotatedBlit(tmp, PixelsOf(mask), cx, cy, 0.5F * static_cast<float>(mask->W),
-                   0.5F * static_cast<float>(mask->H), static_cast<float>(angle), 1.0F,
+  LICE_Blit(tmp, PixelsOf(base), 0, 0, 0, 0, w, h, 1.0f, LICE_BLIT_MODE_COPY);
+  const float cx = 0.5f * static_cast<float>(w);
+  const float cy = 0.5f * static_cast<float>(h);
+  LICE_RotatedBlit(tmp, PixelsOf(mask), cx, cy, 0.5f * static_cast<float>(mask->W),
+                   0.5f * static_cast<float>(mask->H), static_cast<float>(angle), 1.0f,
                    LICE_BLIT_MODE_ADD | LICE_BLIT_FILTER_BILINEAR | LICE_BLIT_USE_ALPHA);
-  LICE_Blit(tmp, PixelsOf(top), 0, 0, 0, 0, w, h, 1.0F, LICE_BLIT_MODE_COPY | LICE_BLIT_USE_ALPHA);
+  LICE_Blit(tmp, PixelsOf(top), 0, 0, 0, 0, w, h, 1.0f, LICE_BLIT_MODE_COPY | LICE_BLIT_USE_ALPHA);
   const IBitmap combined(static_cast<LICE_IBitmap*>(tmp), w, h);
   const IRECT dest(x, y, x + w, y + h);
   return DrawBitmap(&combined, &dest, 0, 0, blend);
@@ -98,7 +98,7 @@ bool IGraphics::DrawRotatedMask(const IBitmap* base, const IBitmap* mask, const 
 
 bool IGraphics::DrawPoint(const IColor* color, float x, float y, const IChannelBlend* blend) {
   const auto [mode, weight] = ModeOf(blend);
-  LICE_PutPixel(mDrawBitmap.get(), TruncateToPixel(x + 0.5F), TruncateToPixel(y + 0.5F),
+  LICE_PutPixel(mDrawBitmap.get(), TruncateToPixel(x + 0.5f), TruncateToPixel(y + 0.5f),
                 color->Pixel(), weight, mode);
   return true;
 }

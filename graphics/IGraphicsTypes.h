@@ -44,8 +44,8 @@ struct IRECT {
   constexpr void Clear() { *this = IRECT(); }
   constexpr int W() const { return R - L; }
   constexpr int H() const { return B - T; }
-  constexpr float MW() const { return 0.5F * static_cast<float>(L + R); }  // middle, across
-  constexpr float MH() const { return 0.5F * static_cast<float>(T + B); }  // middle, down
+  constexpr float MW() const { return 0.5f * static_cast<float>(L + R); }  // middle, across
+  constexpr float MH() const { return 0.5f * static_cast<float>(T + B); }  // middle, down
   constexpr bool Contains(int x, int y) const {
     return !Empty() && x >= L && x < R && y >= T && y < B;
   }
@@ -100,10 +100,10 @@ struct IChannelBlend {
     kBlendColorDodge = 3  // dodge with alpha
   };
   int mMethod = kBlendNone;
-  float mWeight = 1.0F;  // 0 to 1
+  float mWeight = 1.0f;  // 0 to 1
 
   constexpr IChannelBlend() = default;
-  constexpr IChannelBlend(int method, float weight = 1.0F) : mMethod(method), mWeight(weight) {}
+  constexpr IChannelBlend(int method, float weight = 1.0f) : mMethod(method), mWeight(weight) {}
 };
 
 // Style of a text. Drawing it remembers the font found, so a style is used by one thread.

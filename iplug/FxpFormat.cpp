@@ -124,7 +124,7 @@ FxpFault Differs(const Reader& reader, FxpFault fault) {
 
 // The values, from what follows the name; short files repeat.
 void ReadValues(Reader* reader, std::int32_t numParams, std::vector<float>* values) {
-  float value = 0.0F;
+  float value = 0.0f;
   values->clear();
   for (std::int32_t i = 0; i < numParams; ++i) {
     reader->Float(&value);

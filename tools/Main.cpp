@@ -44,19 +44,19 @@ int Fail(const char* line, ExitCode code) {
 void RequireKnownCommand(const CLI::App& app, const std::string& name) {
   if (name == "-h" || name == "--help") return;
   if (name.starts_with('-'))
-    throw Failure(ExitCode::Usage, "a command comes first, not \"" + name + "\"");
+    throw Failure(ExitCode::kUsage, "a command comes first, not \"" + name + "\"");
   std::vector<std::string> names;
   for (const CLI::App* const command : app.get_subcommands({}))
     names.push_back(command->get_name());
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
-  throw Failure(ExitCode::Usage, "no command is called \"" + name + "\"; the nearest is \"" +
-                                     NearestName(name, names) + "\"");
+  throw Failure(ExitCode::kUsage, "no command is called \"" + name + "\"; the nearest is \"" +
+                                      NearestName(name, names) + "\"");
 }
 
 // What was printed is an output like any other file.
 void RequirePrinted() {
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0 || !std::cout.flush())
-    throw Failure(ExitCode::Output,
+    throw Failure(ExitCode::kOutput,
                   std::string("cannot write the standard output: ") + std::strerror(errno));
 }
 
@@ -70,11 +70,11 @@ int Run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     // A request for help is one of these too, with a code of 0.
-    if (error.get_exit_code() != 0) return Fail(error.what(), ExitCode::Usage);
+    if (error.get_exit_code() != 0) return Fail(error.what(), ExitCode::kUsage);
     app.exit(error);
   }
   RequirePrinted();
-  return static_cast<int>(ExitCode::Success);
+  return static_cast<int>(ExitCode::kSuccess);
 }
 
 }  // namespace
@@ -86,6 +86,6 @@ int main(int argc, char** argv) {
   } catch (const Failure& failure) {
     return Fail(failure.what(), failure.Code());
   } catch (const std::exception& error) {
-    return Fail(error.what(), ExitCode::Internal);
+    return Fail(error.what(), ExitCode::kInternal);
   }
 }

@@ -21,7 +21,7 @@ IRECT DialRECT(int cx, int cy, int r) { return {cx - r, cy - r, cx + r, cy + r};
 
 // Over the width of the dial, around its middle.
 IRECT ValueRECT(int cx, int cy, int r, int textSize) {
-  const float top = static_cast<float>(cy) - 9.0F * static_cast<float>(textSize) / 17.0F;
+  const float top = static_cast<float>(cy) - 9.0f * static_cast<float>(textSize) / 17.0f;
   return {cx - r, static_cast<int>(top), cx + r, cy + 11};
 }
 
@@ -104,7 +104,7 @@ void ICircleKnobMultiControlText::DrawDot(IGraphics* graphics) const {
   const double dot = mDotSize * track;
   const auto x = static_cast<float>(TruncateToPixel(mCenterX + std::cos(angle) * track));
   const auto y = static_cast<float>(TruncateToPixel(mCenterY + std::sin(angle) * track));
-  const IChannelBlend blend(IChannelBlend::kBlendNone, 1.0F);
+  const IChannelBlend blend(IChannelBlend::kBlendNone, 1.0f);
   const IColor inverse(mColor.A, 255 - mColor.R, 255 - mColor.G, 255 - mColor.B);
   graphics->FillCircle(&mColor, x, y, static_cast<float>(dot), &blend, true);
   graphics->FillCircle(&inverse, x, y, static_cast<float>(dot * 0.5), &blend, true);

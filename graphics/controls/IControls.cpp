@@ -75,7 +75,7 @@ void IRadioButtonsControl::OnMouseDown(int x, int y, IMouseMod* mod) {
   }
   const int n = static_cast<int>(mRECTs.size());
   for (int i = 0; i < n; ++i) {
-    if (!mRECTs[static_cast<size_t>(i)].Contains(x, y)) continue;
+    if (!mRECTs[static_cast<std::size_t>(i)].Contains(x, y)) continue;
     SetValue(n > 1 ? static_cast<double>(i) / (n - 1) : 0.0);
     break;
   }
@@ -85,7 +85,7 @@ void IRadioButtonsControl::OnMouseDown(int x, int y, IMouseMod* mod) {
 bool IRadioButtonsControl::Draw(IGraphics* graphics) {
   const int active = FrameOf(GetValue(), static_cast<int>(mRECTs.size())) - 1;
   bool drawn = true;
-  for (size_t i = 0; i < mRECTs.size(); ++i) {
+  for (std::size_t i = 0; i < mRECTs.size(); ++i) {
     const int frame = static_cast<int>(i) == active ? 2 : 1;
     drawn = graphics->DrawBitmap(&mBitmap, &mRECTs[i], frame, &mBlend) && drawn;
   }

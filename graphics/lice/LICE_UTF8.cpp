@@ -6,7 +6,7 @@ char32_t LICE_NextCharacter(const char*& p, const char* end) {
   if (lead < 0x80) return lead;
   const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
   if (lead < 0xC2 || lead > 0xF4 || end - p < more) return LICE_NO_CHARACTER;
-  char32_t code = lead & (0x3Fu >> more);
+  char32_t code = lead & (0x3FU >> more);
   for (int i = 0; i < more; ++i) {
     const auto next = static_cast<unsigned char>(p[i]);
     if ((next & 0xC0) != 0x80) return LICE_NO_CHARACTER;

@@ -60,7 +60,7 @@ std::string FolderPath(const char* folder) {
 
 bool HasExtension(const std::string& path, const std::vector<std::string>& extensions) {
   const std::string name = path.substr(path.rfind('/') + 1);
-  const size_t dot = name.rfind('.');
+  const std::size_t dot = name.rfind('.');
   if (dot == std::string::npos) return false;
   for (const std::string& extension : extensions) {
     if (strcasecmp(name.c_str() + dot + 1, extension.c_str()) == 0) return true;

@@ -57,7 +57,7 @@ void IPlugVST::FillAEffect() {
   if (LegalIO(1, -1)) mAEffect.flags |= effFlagsCanMono;
   if (mIsInst) mAEffect.flags |= effFlagsIsSynth;
   mAEffect.initialDelay = GetLatency();
-  mAEffect.ioRatio = 1.0F;
+  mAEffect.ioRatio = 1.0f;
   mAEffect.object = this;
   mAEffect.uniqueID = GetUniqueID();
   mAEffect.version = GetEffectVersion(true);

@@ -32,14 +32,14 @@ void IPlugVST::Process(AEffect* effect, float** inputs, float** outputs, std::in
   IPlugVST* plug = PlugOf(effect);
   if (!plug) return;
   plug->RunBlocks(inputs, outputs, nFrames,
-                  [plug](int n) { plug->ProcessBuffersAccumulating(0.0F, n); });
+                  [plug](int n) { plug->ProcessBuffersAccumulating(0.0f, n); });
 }
 
 void IPlugVST::ProcessReplacing(AEffect* effect, float** inputs, float** outputs,
                                 std::int32_t nFrames) {
   IPlugVST* plug = PlugOf(effect);
   if (!plug) return;
-  plug->RunBlocks(inputs, outputs, nFrames, [plug](int n) { plug->ProcessBuffers(0.0F, n); });
+  plug->RunBlocks(inputs, outputs, nFrames, [plug](int n) { plug->ProcessBuffers(0.0f, n); });
 }
 
 void IPlugVST::ProcessDouble(AEffect* effect, double** inputs, double** outputs,
@@ -52,10 +52,10 @@ void IPlugVST::ProcessDouble(AEffect* effect, double** inputs, double** outputs,
 float IPlugVST::GetParameter(AEffect* effect, std::int32_t index) {
   Trace("VSTGetParameter", __LINE__, "%d", index);
   IPlugVST* plug = PlugOf(effect);
-  if (!plug) return 0.0F;
+  if (!plug) return 0.0f;
   const PlugLock::Guard lock(plug->mLock);
   const IParam* param = plug->GetParam(index);
-  return param ? static_cast<float>(param->GetNormalized()) : 0.0F;
+  return param ? static_cast<float>(param->GetNormalized()) : 0.0f;
 }
 
 void IPlugVST::SetParameter(AEffect* effect, std::int32_t index, float value) {

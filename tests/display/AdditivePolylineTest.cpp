@@ -34,28 +34,28 @@ using Points = std::vector<std::pair<float, float>>;
 Points RandomPoints(Random& random) {
   constexpr float infinity = std::numeric_limits<float>::infinity();
   Points points;
-  float x = -2.0F;
+  float x = -2.0f;
   for (int i = 0; i < 1500; ++i) {
-    x += random.uniform(0.0F, 0.04F);
-    float y = random.uniform(5.0F, 20.0F);
+    x += random.uniform(0.0f, 0.04f);
+    float y = random.uniform(5.0f, 20.0f);
     switch (random.integer(0, 60)) {
-      case 0: y = random.uniform(-40.0F, 80.0F); break;
-      case 1: y = random.integer(0, 1) ? infinity : -1e30F; break;
+      case 0: y = random.uniform(-40.0f, 80.0f); break;
+      case 1: y = random.integer(0, 1) ? infinity : -1e30f; break;
       case 2: y = std::nanf(""); break;
       case 3: y = static_cast<float>(random.integer(3, 21)); break;
-      case 4: x -= random.uniform(0.0F, 0.6F); break;
+      case 4: x -= random.uniform(0.0f, 0.6f); break;
       default: break;
     }
     points.emplace_back(x, y);
   }
   if (random.integer(0, 1) == 0) return points;
-  points.emplace_back(1e20F, 7.0F);
-  points.emplace_back(std::nanf(""), 7.0F);
+  points.emplace_back(1e20f, 7.0f);
+  points.emplace_back(std::nanf(""), 7.0f);
   return points;
 }
 
 TEST(AdditivePolyline, PaintsThePixelsThatSingleLinesPaint) {
-  const IChannelBlend add(IChannelBlend::kBlendAdd, 1.0F);
+  const IChannelBlend add(IChannelBlend::kBlendAdd, 1.0f);
   const IColor colors[] = {{178, 255, 0, 0}, {255, 255, 187, 1}, {9, 40, 255, 0}, {0, 5, 5, 5}};
   for (std::uint64_t seed = 0; seed < 12; ++seed) {
     Random random(seed);

@@ -13,11 +13,11 @@ namespace {
 using Spectrogram = FIRSpectrogram<float>;
 
 constexpr int kRate = 48000;
-constexpr float kEpsilon = 1e-6F;
+constexpr float kEpsilon = 1e-6f;
 
 // The middle of frame j, so that rounding cannot reach its neighbours.
 float middle(const Spectrogram& s, int j) {
-  return (static_cast<float>(j) + 0.5F) * s.get_min_timestep();
+  return (static_cast<float>(j) + 0.5f) * s.get_min_timestep();
 }
 
 struct Shape {
@@ -37,9 +37,9 @@ TEST(FIRSpectrogram, HoldsTheWindowedTransformOfEveryFrame) {
     Spectrogram::compute_window(window, Spectrogram::Blackman, shape.window);
     const int frames = (shape.size + shape.hop - 1) / shape.hop;
     ASSERT_EQ(s.get_num_half_bins(), shape.fft_size / 2 + 1);
-    EXPECT_EQ(s.time_to_bin_idx(1e9F), frames - 1);
-    EXPECT_EQ(s.time_to_bin_idx(-1.0F), 0);
-    float largest = 0.0F;
+    EXPECT_EQ(s.time_to_bin_idx(1e9f), frames - 1);
+    EXPECT_EQ(s.time_to_bin_idx(-1.0f), 0);
+    float largest = 0.0f;
     for (int j = 0; j < frames; ++j) {
       AlignedVector<float> frame(static_cast<std::size_t>(shape.fft_size));
       for (int i = 0; i < std::min(shape.window, shape.size - j * shape.hop); ++i) {
@@ -57,7 +57,7 @@ TEST(FIRSpectrogram, HoldsTheWindowedTransformOfEveryFrame) {
       }
     }
     EXPECT_EQ(s.get_max_density(), largest);
-    EXPECT_EQ(s.get_min_density(), 0.0F);
+    EXPECT_EQ(s.get_min_density(), 0.0f);
     EXPECT_FLOAT_EQ(s.get_max_time(), static_cast<float>(shape.size) / kRate);
   }
 }
@@ -74,32 +74,32 @@ TEST(FIRSpectrogram, WindowsAreSymmetricAndUnknownOnesSilence) {
     }
     EXPECT_TRUE(std::equal(window.begin(), window.end(), window.rbegin())) << size;
     Spectrogram::compute_window(window, Spectrogram::Rectangular, size);
-    EXPECT_EQ(std::count(window.begin(), window.end(), 1.0F), size);
+    EXPECT_EQ(std::count(window.begin(), window.end(), 1.0f), size);
   }
   const auto fir = Random(2).signal(500);
   const Spectrogram s(kRate, fir, static_cast<Spectrogram::WindowType>(2), 64, 32, 64, kEpsilon);
-  for (const float dB : s.get_half_density_dB(0.001F)) EXPECT_NEAR(dB, -120.0F, 1e-4F);
+  for (const float dB : s.get_half_density_dB(0.001f)) EXPECT_NEAR(dB, -120.0f, 1e-4f);
 }
 
 TEST(FIRSpectrogram, AnUpdateLeavesNoTraceOfTheLastAnalysis) {
   const auto first = Random(3).signal(5000);
   AlignedVector<float> second = Random(4).signal(700);
-  second[300] = -3.0F;
+  second[300] = -3.0f;
   Spectrogram used(kRate, first, Spectrogram::Rectangular, 100, 10, 0, kEpsilon);
   used.update(kRate, second, Spectrogram::Blackman, 256, 128, 256, kEpsilon);
   // A second time from its own copy.
   used.update(kRate, used.get_fir(), Spectrogram::Blackman, 256, 128, 256, kEpsilon);
   const Spectrogram fresh(kRate, second, Spectrogram::Blackman, 256, 128, 256, kEpsilon);
   EXPECT_EQ(used.get_fir(), second);
-  EXPECT_EQ(used.get_fir_peak(), 3.0F);
+  EXPECT_EQ(used.get_fir_peak(), 3.0f);
   EXPECT_EQ(used.get_max_density(), fresh.get_max_density());
   for (int j = 0; j < 6; ++j) {
     EXPECT_EQ(used.get_half_density(middle(used, j)), fresh.get_half_density(middle(fresh, j)));
   }
   used.update(kRate, {}, Spectrogram::Blackman, 256, 128, 256, kEpsilon);
-  EXPECT_EQ(used.get_fir_peak(), 0.0F);
-  EXPECT_EQ(used.get_max_density(), 0.0F);
-  EXPECT_EQ(used.time_to_bin_idx(1.0F), 0);
+  EXPECT_EQ(used.get_fir_peak(), 0.0f);
+  EXPECT_EQ(used.get_max_density(), 0.0f);
+  EXPECT_EQ(used.time_to_bin_idx(1.0f), 0);
 }
 
 }  // namespace

@@ -63,14 +63,14 @@ class Display : public ITolmaraWaveformSpectrogram {
 
 AlignedVector<float> Impulse(std::size_t size) {
   AlignedVector<float> fir(size);
-  fir[0] = 1.0F;
+  fir[0] = 1.0f;
   return fir;
 }
 
 // The argument of the logarithm is held in single precision, which decides some pixels.
 int TimeToX(double fraction, int samples) {
   const auto step = static_cast<float>((M_E - 1.0) / samples);
-  const float argument = static_cast<float>(fraction * samples) * step + 1.0F;
+  const float argument = static_cast<float>(fraction * samples) * step + 1.0f;
   return static_cast<int>(kLeft + kWidth * std::log(double{argument}));
 }
 
@@ -101,7 +101,7 @@ TEST(Display, LabelsAndMarksBothPanelsInDrawingOrder) {
   EXPECT_EQ(canvas.labels[0], Label("Computing", {282, 44, 322, 60}, kColorRed));
   for (const auto& [label, text] :
        {std::pair(10, "22 kHz"), std::pair(11, "11 kHz"), std::pair(12, "5 kHz")}) {
-    EXPECT_EQ(canvas.labels[static_cast<size_t>(label)].find(text), 0U);
+    EXPECT_EQ(canvas.labels[static_cast<std::size_t>(label)].find(text), 0U);
   }
 
   // Marks are opaque and stand from the second label on.
@@ -121,8 +121,8 @@ TEST(Display, LabelsAndMarksBothPanelsInDrawingOrder) {
 
 TEST(Display, DrawsTheRectifiedWaveformAdditively) {
   AlignedVector<float> fir(16);  // time marks stand at samples 8, 4 and 2
-  fir[0] = 0.5F;
-  fir[6] = -1.0F;
+  fir[0] = 0.5f;
+  fir[6] = -1.0f;
   Display display(48000, fir);
   Canvas canvas;
   ASSERT_TRUE(display.Draw(&canvas));
@@ -142,7 +142,7 @@ void ExpectSpectrogram(const AlignedVector<float>& fir, int& wrapped) {
   Canvas canvas;
   ASSERT_TRUE(display.Draw(&canvas));
   const FIRSpectrogram<float> levels(48000, fir, FIRSpectrogram<float>::Blackman, 256, 128, 256,
-                                     1e-6F);
+                                     1e-6f);
   const auto frames = static_cast<int>((fir.size() + 127) / 128);
   const auto column = [&](int j) {
     const auto x = [&](int frame) {
@@ -176,7 +176,7 @@ void ExpectSpectrogram(const AlignedVector<float>& fir, int& wrapped) {
 TEST(Display, ShowsLevelsLinearInDecibelsAndWrapsOverloadedOnes) {
   int wrapped = 0;
   AlignedVector<float> quiet = Random(1).signal(3000);
-  for (float& v : quiet) v *= 0.001F;
+  for (float& v : quiet) v *= 0.001f;
   ExpectSpectrogram(quiet, wrapped);
   EXPECT_EQ(wrapped, 0);
   ExpectSpectrogram(Random(2).signal(40000), wrapped);  // late frames share pixels
@@ -232,13 +232,13 @@ TEST(Display, DrawsNothingWhileAResponseIsPrepared) {
 
 TEST(Display, DrawsNoMarkWhosePositionIsNoNumber) {
   constexpr float infinity = std::numeric_limits<float>::infinity();
-  for (const float value : {0.0F, -infinity, std::numeric_limits<float>::quiet_NaN(), 3e38F}) {
+  for (const float value : {0.0f, -infinity, std::numeric_limits<float>::quiet_NaN(), 3e38f}) {
     AlignedVector<float> fir(1000);
     fir[500] = value;
     Display display(48000, fir);
     Canvas canvas;
     EXPECT_TRUE(display.Draw(&canvas));
-    const bool hasLevels = value == 3e38F;
+    const bool hasLevels = value == 3e38f;
     EXPECT_EQ(canvas.labels.size(), hasLevels ? 13U : 10U) << value;
     EXPECT_EQ(canvas.GetPoint(300, 242), kMarks) << value;
     EXPECT_EQ(canvas.GetPoint(300, 0), kColorBlack) << value;

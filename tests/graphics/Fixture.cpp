@@ -116,7 +116,7 @@ IBitmap FramesOf(int w, int h, const std::vector<IColor>& colours, bool horizont
   auto* pixels = new LICE_MemBitmap(horizontal ? w * n : w, horizontal ? h : h * n);
   for (int i = 0; i < n; ++i) {
     LICE_FillRect(pixels, horizontal ? i * w : 0, horizontal ? 0 : i * h, w, h,
-                  colours[static_cast<size_t>(i)].Pixel());
+                  colours[static_cast<std::size_t>(i)].Pixel());
   }
   IBitmap bitmap(static_cast<LICE_IBitmap*>(pixels), pixels->getWidth(), pixels->getHeight(), n,
                  horizontal);

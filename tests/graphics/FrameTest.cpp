@@ -60,7 +60,7 @@ TEST_F(Frame, StrictDrawingPaintsInOrderWhatMeetsTheRectangleAndCleansAll) {
 struct Glow : ProbeControl {
   using ProbeControl::ProbeControl;
   bool Draw(IGraphics* g) override {
-    const IChannelBlend add(IChannelBlend::kBlendAdd, 0.25F);
+    const IChannelBlend add(IChannelBlend::kBlendAdd, 0.25f);
     const IRECT wide(mRECT.L - 5, mRECT.T, mRECT.R + 5, mRECT.B);
     return g->FillIRect(&kColorWhite, &wide, &add);
   }

@@ -53,7 +53,7 @@ TEST_F(Primitives, FramesStandBelowOrBesideEachOther) {
     const IBitmap bitmap = FramesOf(8, 6, colours, i % 2 == 1);
     graphics->DrawEverything();
     graphics->DrawBitmap(&bitmap, &dest, state);
-    const auto expected = colours[static_cast<size_t>(std::max(state, 1) - 1)].Pixel();
+    const auto expected = colours[static_cast<std::size_t>(std::max(state, 1) - 1)].Pixel();
     EXPECT_EQ(graphics->BoundsOf(expected), dest) << "state " << state;
   }
   // A height that frames do not divide: of 3 in 11 rows the second starts at row 4 (3.67 rounded).
@@ -71,9 +71,9 @@ TEST_F(Primitives, EachBlendMethodMixesInItsOwnWay) {
   const IColor base(255, 100, 100, 100);
   // With alpha: 100 + (200 - 100) * 128 / 255 and so on; dodge divides by 1 - 200/255 * 128/255.
   for (const auto& [method, weight, red, green] :
-       {std::tuple(0, 1.0F, 150, 100), std::tuple(1, 1.0F, 200, 100),
-        std::tuple(1, 0.25F, 125, 100), std::tuple(2, 1.0F, 200, 150),
-        std::tuple(3, 1.0F, 164, 124), std::tuple(77, 0.0F, 150, 100)}) {
+       {std::tuple(0, 1.0f, 150, 100), std::tuple(1, 1.0f, 200, 100),
+        std::tuple(1, 0.25f, 125, 100), std::tuple(2, 1.0f, 200, 150),
+        std::tuple(3, 1.0f, 164, 124), std::tuple(77, 0.0f, 150, 100)}) {
     const IChannelBlend blend(method, weight);
     graphics->FillIRect(&base, &dest);
     graphics->FillIRect(&half, &dest, &blend);
@@ -83,7 +83,7 @@ TEST_F(Primitives, EachBlendMethodMixesInItsOwnWay) {
 }
 
 TEST_F(Primitives, PointsRoundAndForcedPixelsKeepTheirAlpha) {
-  graphics->DrawPoint(&kColorRed, 10.5F, 20.4F);
+  graphics->DrawPoint(&kColorRed, 10.5f, 20.4f);
   EXPECT_EQ(graphics->BoundsOf(kRed), IRECT(11, 20, 12, 21));
   const IColor glass(7, 1, 2, 3);
   EXPECT_TRUE(graphics->ForcePixel(&glass, kWidth - 1, kHeight - 1));
@@ -106,15 +106,15 @@ TEST_F(Primitives, LinesAndFiguresCoverTheirExtent) {
   graphics->DrawHorizontalLine(&kColorRed, 7, 30, 40);
   painted({30, 7, 41, 8}, 11, 11, "horizontal line");
   const IRECT rect(100, 10, 140, 30);
-  graphics->DrawVerticalLine(&kColorRed, &rect, 0.25F);
+  graphics->DrawVerticalLine(&kColorRed, &rect, 0.25f);
   painted({110, 10, 111, 31}, 21, 21, "line at a quarter");
-  graphics->DrawHorizontalLine(&kColorRed, &rect, 9.0F);
+  graphics->DrawHorizontalLine(&kColorRed, &rect, 9.0f);
   painted({100, 30, 141, 31}, 41, 41, "line at a clamped fraction");
-  graphics->DrawRadialLine(&kColorRed, 50.0F, 50.0F, 0.0F, 10.0F, 20.0F);
+  graphics->DrawRadialLine(&kColorRed, 50.0f, 50.0f, 0.0f, 10.0f, 20.0f);
   painted({50, 30, 51, 41}, 11, 11, "radial line upward");
-  graphics->DrawRadialLine(&kColorRed, 50.25F, 50.25F, 0.5F * kPi, 0.0F, 20.0F);
+  graphics->DrawRadialLine(&kColorRed, 50.25f, 50.25f, 0.5f * kPi, 0.0f, 20.0f);
   painted({50, 50, 71, 51}, 21, 21, "radial line a quarter clockwise");
-  graphics->DrawLine(&kColorRed, 10.0F, 10.0F, 40.0F, 25.0F);
+  graphics->DrawLine(&kColorRed, 10.0f, 10.0f, 40.0f, 25.0f);
   painted({10, 10, 41, 26}, 31, 31, "line");
   graphics->DrawRect(&kColorRed, &rect);
   painted(rect, 2 * 40 + 2 * 18, 2 * 40 + 2 * 18, "rectangle");
@@ -122,11 +122,11 @@ TEST_F(Primitives, LinesAndFiguresCoverTheirExtent) {
   painted(rect, 100, 116, "rounded outline");
   graphics->FillRoundRect(&kColorRed, &rect, nullptr, 3, false);
   painted(rect, 780, 799, "rounded rectangle");
-  graphics->DrawCircle(&kColorRed, 50.0F, 50.0F, 10.0F);
+  graphics->DrawCircle(&kColorRed, 50.0f, 50.0f, 10.0f);
   painted({40, 40, 61, 61}, 50, 70, "circle");
-  graphics->FillCircle(&kColorRed, 50.0F, 50.0F, 10.0F);
+  graphics->FillCircle(&kColorRed, 50.0f, 50.0f, 10.0f);
   painted({40, 40, 61, 61}, 305, 350, "disc");
-  graphics->DrawArc(&kColorRed, 50.0F, 50.0F, 10.0F, 0.0F, 0.5F * kPi);
+  graphics->DrawArc(&kColorRed, 50.0f, 50.0f, 10.0f, 0.0f, 0.5f * kPi);
   painted({50, 40, 61, 51}, 12, 20, "arc");
   graphics->FillTriangle(&kColorRed, 10, 10, 30, 10, 10, 30);
   painted({10, 10, 31, 31}, 200, 235, "triangle");

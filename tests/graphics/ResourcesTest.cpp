@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 void WritePNG(const fs::path& path, int w, int h) {
-  const std::vector<unsigned char> pixels(static_cast<size_t>(w * h * 4), 255);
+  const std::vector<unsigned char> pixels(static_cast<std::size_t>(w * h * 4), 255);
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<unsigned>(w);

@@ -52,7 +52,7 @@ TEST(IParam, RangesAreNeverEmpty) {
 TEST(IParam, PrecisionShowsEveryStepUpToSixDecimals) {
   const struct {
     double step;
-    size_t precision;
+    std::size_t precision;
   } kCases[] = {{1, 0},        {10, 0},      {0.1, 1},         {0.25, 2},
                 {0.01, 2},     {0.001, 3},   {0.0001, 4},      {0.00001, 5},
                 {0.000001, 6}, {1.0 / 3, 6}, {0.0000000001, 6}};

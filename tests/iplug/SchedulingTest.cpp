@@ -69,7 +69,7 @@ TEST(Scheduling, AThreadOfOursKeepsNothingOfTheAudioThreadThatStartsIt) {
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
     cpu_set_t one;
     CPU_ZERO(&one);
-    CPU_SET(static_cast<size_t>(sched_getcpu()), &one);
+    CPU_SET(static_cast<std::size_t>(sched_getcpu()), &one);
     sched_setaffinity(0, sizeof one, &one);
     setpriority(PRIO_PROCESS, 0, 7);
     isRealTime = BecomeRealTime();

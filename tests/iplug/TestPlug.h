@@ -93,7 +93,7 @@ struct Rig {
   explicit Rig(const PlugOptions& options = {});
 
   VstIntPtr Dispatch(int opcode, int index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                     float opt = 0.0F) {
+                     float opt = 0.0f) {
     return effect->dispatcher(effect, opcode, index, value, ptr, opt);
   }
   void Close();           // the host's last call

@@ -34,7 +34,7 @@ TEST(Threads, ParametersStateAndSoundDoNotInterleave) {
   };
   std::thread threads[] = {
       until([&](int i) {
-        rig.effect->setParameter(rig.effect, i % kNumTestParams, static_cast<float>(i % 11) * 0.1F);
+        rig.effect->setParameter(rig.effect, i % kNumTestParams, static_cast<float>(i % 11) * 0.1f);
       }),
       until([&](int i) { rig.plug->SetParameterFromGUI(i % kNumTestParams, (i % 7) / 7.0); }),
       until([&](int i) {
@@ -66,8 +66,8 @@ TEST(Threads, InstancesAreConstructedOneAtATime) {
   const auto construct = [make] {
     for (int i = 0; i < 20; ++i) {
       AEffect* effect = ConstructUnderLock(make, nullptr);
-      effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0.0F);
-      effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0F);
+      effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0.0f);
+      effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0f);
     }
   };
   std::thread other(construct);

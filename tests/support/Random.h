@@ -24,12 +24,12 @@ class Random {
   // n samples in [-1, 1)
   AlignedVector<float> signal(std::size_t n) {
     AlignedVector<float> x(n);
-    for (float& v : x) v = uniform(-1.0F, 1.0F);
+    for (float& v : x) v = uniform(-1.0f, 1.0f);
     return x;
   }
   AlignedVector<complex> spectrum(std::size_t n) {
     AlignedVector<complex> x(n);
-    for (complex& v : x) v = {uniform(-1.0F, 1.0F), uniform(-1.0F, 1.0F)};
+    for (complex& v : x) v = {uniform(-1.0f, 1.0f), uniform(-1.0f, 1.0f)};
     return x;
   }
 

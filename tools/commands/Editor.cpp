@@ -23,8 +23,8 @@ class HostWindow {
   HostWindow(int width, int height, const std::string& title)
       : mConnection(xcb_connect(nullptr, nullptr)) {
     if (xcb_connection_has_error(mConnection.get())) {
-      throw Failure(ExitCode::Plugin, "there is no X server to show the editor on: DISPLAY is " +
-                                          std::string(Display()));
+      throw Failure(ExitCode::kPlugin, "there is no X server to show the editor on: DISPLAY is " +
+                                           std::string(Display()));
     }
     xcb_connection_t* const c = mConnection.get();
     const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(c)).data;
@@ -115,7 +115,7 @@ class OpenEditor {
   OpenEditor(PluginHost& host, xcb_window_t parent) : mHost(host) {
     void* const window = reinterpret_cast<void*>(static_cast<std::uintptr_t>(parent));
     if (mHost.Dispatch(effEditOpen, 0, 0, window) == 0) {
-      throw Failure(ExitCode::Plugin, mHost.EffectName() + " did not open its editor");
+      throw Failure(ExitCode::kPlugin, mHost.EffectName() + " did not open its editor");
     }
   }
   ~OpenEditor() { mHost.Dispatch(effEditClose); }
@@ -130,7 +130,7 @@ void ShowEditor(const Settings& settings) {
   const std::unique_ptr<PluginHost> host = OpenPlugin(settings);
   ERect* size = nullptr;
   if (host->Dispatch(effEditGetRect, 0, 0, &size) == 0 || size == nullptr) {
-    throw Failure(ExitCode::Plugin, host->EffectName() + " has no editor");
+    throw Failure(ExitCode::kPlugin, host->EffectName() + " has no editor");
   }
   BlockRunner runner(*host, 2, kRate, kBlock);
   ApplySettings(*host, settings);

@@ -70,7 +70,7 @@ void WriteResponse(const ResponseOptions& options) {
   TailTrimmer trimmer(writer, 1, delay, kResponseFloor, patience);
   WriteImpulseAnswer(runner, trimmer, options.rate);
   if (writer.Frames() == 0)
-    throw Failure(ExitCode::Setting, "the response of these settings is silent");
+    throw Failure(ExitCode::kSetting, "the response of these settings is silent");
   writer.Finish();
   progress.Close("a response of %.3f s, %lld frames at %d Hz",
                  static_cast<double>(writer.Frames()) / options.rate,

@@ -54,7 +54,7 @@ std::vector<std::uint8_t> EncodePng(const std::vector<std::uint8_t>& rgb, int wi
   png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
   std::vector<std::uint8_t> bytes(size);
   if (!png_image_write_to_memory(&image, bytes.data(), &size, 0, rgb.data(), 0, nullptr)) {
-    throw Failure(ExitCode::Internal, std::string("cannot make the picture: ") + image.message);
+    throw Failure(ExitCode::kInternal, std::string("cannot make the picture: ") + image.message);
   }
   bytes.resize(size);
   return bytes;

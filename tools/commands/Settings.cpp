@@ -22,15 +22,15 @@ void SelectPreset(PluginHost& host, const std::string& name) {
     return EqualWithoutCase(candidate, name);
   });
   if (found == names.end())
-    throw Failure(ExitCode::Setting, "no preset is called \"" + name + "\"; the nearest is \"" +
-                                         NearestName(name, names) + "\"");
+    throw Failure(ExitCode::kSetting, "no preset is called \"" + name + "\"; the nearest is \"" +
+                                          NearestName(name, names) + "\"");
   host.SelectProgram(static_cast<int>(found - names.begin()));
 }
 
 void MakeSetting(PluginHost& host, const std::string& setting) {
   const std::size_t equals = setting.find('=');
   if (equals == std::string::npos)
-    throw Failure(ExitCode::Usage, "--set wants \"Name=value\", not \"" + setting + "\"");
+    throw Failure(ExitCode::kUsage, "--set wants \"Name=value\", not \"" + setting + "\"");
   const int id = FindParameter(host, Trimmed(setting.substr(0, equals)));
   SetParameter(host, id, Trimmed(setting.substr(equals + 1)));
 }

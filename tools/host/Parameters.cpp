@@ -21,7 +21,7 @@ std::optional<double> Number(const std::string& text) {
   return number;
 }
 
-[[noreturn]] void Fail(const std::string& line) { throw Failure(ExitCode::Setting, line); }
+[[noreturn]] void Fail(const std::string& line) { throw Failure(ExitCode::kSetting, line); }
 
 bool IsWhole(double x) { return std::floor(x) == x; }
 

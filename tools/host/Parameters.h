@@ -28,10 +28,10 @@ std::vector<Parameter> LearnParameters(PluginHost& host);
 // The text of a normalised value, "" if the effect does not tell it.
 std::string DisplayOf(PluginHost& host, int id, float normalised);
 
-// The parameter that a name or an id means. Throws Failure (ExitCode::Setting), with the nearest
+// The parameter that a name or an id means. Throws Failure (ExitCode::kSetting), with the nearest
 // name for one that does not exist.
 int FindParameter(PluginHost& host, const std::string& nameOrId);
 
 // Stores a value given as a person writes it: a number in the parameter's own unit, or one of its
-// choices by text or number. Throws Failure (ExitCode::Setting), with the range.
+// choices by text or number. Throws Failure (ExitCode::kSetting), with the range.
 void SetParameter(PluginHost& host, int id, const std::string& value);

@@ -59,19 +59,19 @@ std::string PluginHost::FindDefault() {
     for (const fs::path& file : {folder / kPluginFile, folder / "Tolmara" / kPluginFile})
       if (fs::is_regular_file(file, ignored)) return file.string();
   }
-  throw Failure(ExitCode::Plugin, std::string(kPluginFile) +
-                                      " is neither beside this program nor in a folder for VST2 "
-                                      "plug-ins; name it with --plugin");
+  throw Failure(ExitCode::kPlugin, std::string(kPluginFile) +
+                                       " is neither beside this program nor in a folder for VST2 "
+                                       "plug-ins; name it with --plugin");
 }
 
 PluginHost::PluginHost(const std::string& path) : mPath(path) {
   std::error_code error;
   const fs::path absolute = fs::canonical(path, error);
-  if (error) throw Failure(ExitCode::Plugin, "cannot load " + path + ": " + error.message());
+  if (error) throw Failure(ExitCode::kPlugin, "cannot load " + path + ": " + error.message());
   mObject.reset(dlopen(absolute.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!mObject) {
     const char* const reason = dlerror();
-    throw Failure(ExitCode::Plugin, "cannot load " + path + ": " + (reason ? reason : "unknown"));
+    throw Failure(ExitCode::kPlugin, "cannot load " + path + ": " + (reason ? reason : "unknown"));
   }
   const auto entry = reinterpret_cast<EntryPoint>(dlsym(mObject.get(), "VSTPluginMain"));
   Require(entry != nullptr, "is no VST2 plug-in: it exports no VSTPluginMain");
@@ -96,7 +96,7 @@ PluginHost::~PluginHost() {
 }
 
 void PluginHost::Require(bool condition, const std::string& lack) const {
-  if (!condition) throw Failure(ExitCode::Plugin, mPath + " " + lack);
+  if (!condition) throw Failure(ExitCode::kPlugin, mPath + " " + lack);
 }
 
 std::string PluginHost::EffectName() {

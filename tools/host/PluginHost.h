@@ -8,7 +8,7 @@
 #include "iplug/vst2/vst2.h"
 
 // Owns the shared object and the effect in it. Nothing about any particular effect is known here.
-// Every call comes from one thread. The constructor throws Failure (ExitCode::Plugin).
+// Every call comes from one thread. The constructor throws Failure (ExitCode::kPlugin).
 class PluginHost {
  public:
   using EntryPoint = AEffect* (*)(audioMasterCallback);
@@ -38,10 +38,10 @@ class PluginHost {
   void* Object() const { return mEffect->object; }  // the effect's own
 
   VstIntPtr Dispatch(std::int32_t opcode, std::int32_t index = 0, VstIntPtr value = 0,
-                     void* ptr = nullptr, float opt = 0.0F);
+                     void* ptr = nullptr, float opt = 0.0f);
   // The text that an opcode writes, "" if none; `told`, if not null, takes the opcode's result.
   std::string Text(std::int32_t opcode, std::int32_t index = 0, VstIntPtr value = 0,
-                   float opt = 0.0F, VstIntPtr* told = nullptr);
+                   float opt = 0.0f, VstIntPtr* told = nullptr);
 
   // Normalised values, 0 to 1.
   float Get(int id) const { return mEffect->getParameter(mEffect, id); }

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kMarkOffset = 8;  // of the four letters that tell the kind
 
 [[noreturn]] void Fail(const std::string& path, const std::string& fault) {
-  throw Failure(ExitCode::Input, path + ": " + fault);
+  throw Failure(ExitCode::kInput, path + ": " + fault);
 }
 
 FxpExpected FormatOf(const PluginHost& host) {

@@ -6,7 +6,7 @@
 #include "iplug/FxpFormat.h"
 #include "tools/host/PluginHost.h"
 
-// Read whole and checked before anything changes. They throw Failure (ExitCode::Input) with one
+// Read whole and checked before anything changes. They throw Failure (ExitCode::kInput) with one
 // line about what is wrong: damaged, or made for another effect.
 ProgramFile CheckedProgram(const PluginHost& host, const std::string& path);
 BankFile CheckedBank(const PluginHost& host, const std::string& path);

@@ -45,7 +45,7 @@ void EndOnSignal(int signal) {
 }
 
 [[noreturn]] void Fail(const std::string& shown, const std::string& reason) {
-  throw Failure(ExitCode::Output, "cannot write " + shown + ": " + reason);
+  throw Failure(ExitCode::kOutput, "cannot write " + shown + ": " + reason);
 }
 
 }  // namespace
@@ -85,7 +85,7 @@ void WriteWholeFile(const std::string& target, const void* data, std::size_t siz
 void RequireOtherFile(const std::string& input, const std::string& output) {
   std::error_code ignored;
   if (!fs::equivalent(input, output, ignored)) return;
-  throw Failure(ExitCode::Output, output + " is the file to read; choose another output");
+  throw Failure(ExitCode::kOutput, output + " is the file to read; choose another output");
 }
 
 void RemoveUnfinishedFileOnSignals() {

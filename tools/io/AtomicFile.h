@@ -7,7 +7,7 @@
 
 // Writes beside the target and renames at the end. Until Commit the target keeps its former
 // content; without Commit, or after an interrupt, nothing is left behind. A symbolic link as target
-// stays one: the file it points at is replaced. Throws Failure (ExitCode::Output) when the target
+// stays one: the file it points at is replaced. Throws Failure (ExitCode::kOutput) when the target
 // cannot be written or is something else than a regular file.
 class AtomicFile {
  public:

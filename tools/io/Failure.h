@@ -5,13 +5,13 @@
 
 // The exit codes of `tolmara`, as its help lists them. An interrupt ends with 128 + the signal.
 enum class ExitCode : int {
-  Success = 0,
-  Internal = 1,  // nothing below: out of memory, a defect
-  Usage = 2,     // the command line itself
-  Input = 3,     // a file to read: missing, damaged, empty, of the wrong kind
-  Setting = 4,   // an unknown parameter or preset, a value out of range
-  Plugin = 5,    // no plug-in, or one that cannot do what is needed
-  Output = 6,    // a file to write
+  kSuccess = 0,
+  kInternal = 1,  // nothing below: out of memory, a defect
+  kUsage = 2,     // the command line itself
+  kInput = 3,     // a file to read: missing, damaged, empty, of the wrong kind
+  kSetting = 4,   // an unknown parameter or preset, a value out of range
+  kPlugin = 5,    // no plug-in, or one that cannot do what is needed
+  kOutput = 6,    // a file to write
 };
 
 // Thrown anywhere in the host and caught in main; `what()` is one line without the program's name.

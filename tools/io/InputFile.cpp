@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& line) { throw Failure(ExitCode::Input, line); }
+[[noreturn]] void Fail(const std::string& line) { throw Failure(ExitCode::kInput, line); }
 
 }  // namespace
 

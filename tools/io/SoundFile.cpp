@@ -38,7 +38,7 @@ constexpr Depth kDepths[] = {
     {"float", SF_FORMAT_FLOAT}, {"double", SF_FORMAT_DOUBLE},
 };
 
-[[noreturn]] void FailInput(const std::string& line) { throw Failure(ExitCode::Input, line); }
+[[noreturn]] void FailInput(const std::string& line) { throw Failure(ExitCode::kInput, line); }
 
 bool AllNumbers(const double* samples, std::int64_t count) {
   return std::all_of(samples, samples + count, [](double x) { return std::isfinite(x); });
@@ -92,8 +92,8 @@ int ContainerOf(int input, const std::string& output) {
   for (const Container& known : kContainers)
     if (extension == known.extension) return known.format;
   if (!extension.empty())
-    throw Failure(ExitCode::Output, "cannot write " + output + ": no format is known for \"" +
-                                        extension + "\"; choose .wav, .flac, .aiff or .ogg");
+    throw Failure(ExitCode::kOutput, "cannot write " + output + ": no format is known for \"" +
+                                         extension + "\"; choose .wav, .flac, .aiff or .ogg");
   return input & SF_FORMAT_TYPEMASK;
 }
 
@@ -144,7 +144,8 @@ int ChooseFormat(int input, const std::string& output, const std::string& depth,
   for (const int known : subtypes)
     if (CanWrite(container | known, channels, rate)) return container | known;
   const std::string of = depth.empty() ? "" : " with depth " + depth;
-  throw Failure(ExitCode::Output, "cannot write " + output + of + ": the format has no such depth");
+  throw Failure(ExitCode::kOutput,
+                "cannot write " + output + of + ": the format has no such depth");
 }
 
 SoundWriter::SoundWriter(const std::string& path, int format, int channels, int rate)
@@ -156,7 +157,7 @@ SoundWriter::SoundWriter(const std::string& path, int format, int channels, int 
   mBytesPerFrame = BytesPerFrame(mInfo);
   mFile.reset(sf_open(mOutput.Path().c_str(), SFM_WRITE, &mInfo));
   if (!mFile)
-    throw Failure(ExitCode::Output,
+    throw Failure(ExitCode::kOutput,
                   "cannot write " + path + ": " + WithoutDot(sf_strerror(nullptr)));
   // The chunk holds the time of day, and repeats shall be identical.
   sf_command(mFile.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
@@ -164,14 +165,14 @@ SoundWriter::SoundWriter(const std::string& path, int format, int channels, int 
 
 void SoundWriter::RequireRoom(std::int64_t frames) const {
   if (mBytesPerFrame > 0 && frames > kLargestPlainFile / mBytesPerFrame)
-    throw Failure(ExitCode::Output,
+    throw Failure(ExitCode::kOutput,
                   "cannot write " + mShown + ": it would pass 4 GB; choose .w64, .rf64 or .flac");
 }
 
 void SoundWriter::Write(const double* interleaved, std::int64_t frames) {
   if (frames == 0) return;
   if (!AllNumbers(interleaved, frames * mInfo.channels))
-    throw Failure(ExitCode::Plugin, "the plug-in puts out samples that are no numbers");
+    throw Failure(ExitCode::kPlugin, "the plug-in puts out samples that are no numbers");
   mFrames += frames;
   RequireRoom(mFrames);
   for (std::int64_t i = 0; i < frames * mInfo.channels; ++i)
@@ -198,7 +199,7 @@ void SoundWriter::WriteIntegers(const double* interleaved, std::int64_t frames) 
 
 void SoundWriter::RequireWritten(std::int64_t written, std::int64_t frames) {
   if (written != frames)
-    throw Failure(ExitCode::Output,
+    throw Failure(ExitCode::kOutput,
                   "cannot write " + mShown + ": " + WithoutDot(sf_strerror(mFile.get())));
 }
 
@@ -211,7 +212,7 @@ void SoundWriter::Finish() {
   SF_INFO stored{};
   const SoundHandle again(closed ? sf_open(mOutput.Path().c_str(), SFM_READ, &stored) : nullptr);
   if (!again || stored.frames < mFrames || stored.frames == SF_COUNT_MAX)
-    throw Failure(ExitCode::Output, "cannot write " + mShown + ": not all of it could be stored");
+    throw Failure(ExitCode::kOutput, "cannot write " + mShown + ": not all of it could be stored");
   mOutput.Commit();
 }
 

@@ -14,7 +14,7 @@ struct SoundFileCloser {
 };
 using SoundHandle = std::unique_ptr<SNDFILE, SoundFileCloser>;
 
-// A mono or stereo sound being read. The constructor throws Failure (ExitCode::Input) for a file
+// A mono or stereo sound being read. The constructor throws Failure (ExitCode::kInput) for a file
 // that is missing, no sound, empty, or has more than two channels.
 class SoundReader {
  public:
@@ -26,7 +26,7 @@ class SoundReader {
   int Format() const { return mInfo.format; }           // libsndfile's code
 
   // Reads up to `frames` interleaved frames, full scale being 1; fewer only at the end. Throws
-  // Failure (ExitCode::Input) when the file ends before it announced or holds what is no number.
+  // Failure (ExitCode::kInput) when the file ends before it announced or holds what is no number.
   std::int64_t Read(double* interleaved, std::int64_t frames);
 
  private:
@@ -38,13 +38,13 @@ class SoundReader {
 
 // libsndfile's code for writing to `output`: the container of its extension, without one that of
 // `input`; the depth asked for ("16", "24", "32", "float", "double"), else that of `input` or the
-// nearest that the container has. Throws Failure (ExitCode::Output) for an extension that is not
+// nearest that the container has. Throws Failure (ExitCode::kOutput) for an extension that is not
 // known and where they do not go together.
 int ChooseFormat(int input, const std::string& output, const std::string& depth, int channels,
                  int rate);
 
 // A sound being written; it appears under its name with Finish, whole. Integer formats saturate and
-// count the samples that did. Throws Failure (ExitCode::Output), or with ExitCode::Plugin for
+// count the samples that did. Throws Failure (ExitCode::kOutput), or with ExitCode::kPlugin for
 // samples that are no numbers.
 class SoundWriter {
  public:

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kOpenTitle = "Open";
 constexpr const char* kSaveTitle = "Save As";
-constexpr size_t kLongestAnswer = 1 << 16;  // bytes; no path is that long
+constexpr std::size_t kLongestAnswer = 1 << 16;  // bytes; no path is that long
 
 std::string Patterns(const FileQuestion& question) {
   std::string patterns;
@@ -51,7 +51,7 @@ bool ReadAll(const ChildProcess& program, const FileWaiter& wait, std::string& t
     // It may close its output long before it ends.
     if (size == 0) return program.End() < 0 || wait(program.End());
     if (size < 0 && errno != EINTR) return false;
-    if (size > 0) text.append(buffer.data(), static_cast<size_t>(size));
+    if (size > 0) text.append(buffer.data(), static_cast<std::size_t>(size));
   }
   return false;
 }

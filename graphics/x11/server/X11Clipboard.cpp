@@ -93,5 +93,5 @@ std::optional<std::string> X11Clipboard::Receive(const xcb_selection_notify_even
   const bool isText = reply && reply->type == mConnection.Atom(X11Atom::kUtf8String);
   if (!isText || reply->format != 8) return std::nullopt;
   const auto* text = static_cast<const char*>(xcb_get_property_value(reply.get()));
-  return std::string(text, static_cast<size_t>(xcb_get_property_value_length(reply.get())));
+  return std::string(text, static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
 }

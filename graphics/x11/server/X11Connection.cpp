@@ -16,7 +16,7 @@ constexpr const char* kAtomNames[] = {
     "CLIPBOARD", "UTF8_STRING",         "text/plain;charset=utf-8",
     "TARGETS",   "TOLMARA_PASTED",      "_XEMBED_INFO",
     "WM_STATE",  "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_POPUP_MENU"};
-static_assert(std::size(kAtomNames) == static_cast<size_t>(X11Atom::kCount));
+static_assert(std::size(kAtomNames) == static_cast<std::size_t>(X11Atom::kCount));
 
 const xcb_motion_notify_event_t* AsMotion(const X11Event& event) {
   const bool isMotion = event && X11TypeOf(*event) == XCB_MOTION_NOTIFY;
@@ -55,11 +55,11 @@ void X11Connection::FindScreen(int number) {
 
 void X11Connection::InternAtoms() {
   std::array<xcb_intern_atom_cookie_t, std::size(kAtomNames)> cookies;
-  for (size_t i = 0; i < cookies.size(); ++i) {
+  for (std::size_t i = 0; i < cookies.size(); ++i) {
     const auto length = static_cast<uint16_t>(std::strlen(kAtomNames[i]));
     cookies[i] = xcb_intern_atom(mConnection, 0, length, kAtomNames[i]);
   }
-  for (size_t i = 0; i < cookies.size(); ++i) {
+  for (std::size_t i = 0; i < cookies.size(); ++i) {
     const auto reply = Await<xcb_intern_atom_reply_t>(cookies[i]);
     if (reply) mAtoms[i] = reply->atom;
   }

@@ -52,7 +52,7 @@ class X11Connection {
   int Fd() const { return xcb_get_file_descriptor(mConnection); }
   const xcb_setup_t* Setup() const { return xcb_get_setup(mConnection); }
   const xcb_screen_t& Screen() const { return *mScreen; }
-  xcb_atom_t Atom(X11Atom atom) const { return mAtoms[static_cast<size_t>(atom)]; }
+  xcb_atom_t Atom(X11Atom atom) const { return mAtoms[static_cast<std::size_t>(atom)]; }
   // Images can be handed over as memory shared with the server.
   bool SharesMemory() const { return mSharesMemory; }
 
@@ -77,7 +77,7 @@ class X11Connection {
   xcb_connection_t* mConnection;
   int mWakeFd;
   const xcb_screen_t* mScreen = nullptr;
-  std::array<xcb_atom_t, static_cast<size_t>(X11Atom::kCount)> mAtoms{};
+  std::array<xcb_atom_t, static_cast<std::size_t>(X11Atom::kCount)> mAtoms{};
   bool mSharesMemory = false;
   X11Event mAhead;  // read while a run of motions was looked for
 };

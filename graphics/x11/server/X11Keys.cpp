@@ -84,7 +84,7 @@ void X11Keymap::FindNumLock(const xcb_get_modifier_mapping_reply_t& modifiers) {
 xcb_keysym_t X11Keymap::At(xcb_keycode_t code, int column) const {
   const int i = (code - mFirst) * mPerCode + column;
   const bool inRange = code >= mFirst && column < mPerCode && i < static_cast<int>(mSymbols.size());
-  return inRange ? mSymbols[static_cast<size_t>(i)] : 0;
+  return inRange ? mSymbols[static_cast<std::size_t>(i)] : 0;
 }
 
 X11Key X11Keymap::Find(xcb_keycode_t code, uint16_t state) const {

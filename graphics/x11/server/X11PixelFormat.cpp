@@ -66,9 +66,10 @@ std::optional<X11PixelFormat> X11PixelFormat::Find(const xcb_setup_t* setup,
   return std::nullopt;
 }
 
-size_t X11PixelFormat::RowBytes(int width) const {
-  const auto bits = static_cast<size_t>(width) * static_cast<size_t>(mLayout.bitsPerPixel);
-  const auto pad = static_cast<size_t>(mLayout.scanlinePad);
+std::size_t X11PixelFormat::RowBytes(int width) const {
+  const auto bits =
+      static_cast<std::size_t>(width) * static_cast<std::size_t>(mLayout.bitsPerPixel);
+  const auto pad = static_cast<std::size_t>(mLayout.scanlinePad);
   return (bits + pad - 1) / pad * pad / 8;
 }
 

@@ -28,8 +28,8 @@ class X11PixelFormat {
 
   int Depth() const { return mLayout.depth; }
   // Bytes of a row of `width` pixels, with its padding.
-  size_t RowBytes(int width) const;
-  size_t PixelBytes() const { return static_cast<size_t>(mLayout.bitsPerPixel) / 8; }
+  std::size_t RowBytes(int width) const;
+  std::size_t PixelBytes() const { return static_cast<std::size_t>(mLayout.bitsPerPixel) / 8; }
   // Writes `count` pixels to `out`, which holds count * PixelBytes() bytes.
   void Convert(const LICE_pixel* pixels, int count, uint8_t* out) const;
 

@@ -22,7 +22,7 @@ X11Surface::X11Surface(X11Connection& connection, xcb_window_t window, const X11
   // No events for areas that could not be copied: nothing is copied.
   const uint32_t exposures = 0;
   xcb_create_gc(connection.Get(), mGC, window, XCB_GC_GRAPHICS_EXPOSURES, &exposures);
-  const size_t bytes = mRowBytes * static_cast<size_t>(height);
+  const std::size_t bytes = mRowBytes * static_cast<std::size_t>(height);
   if (shareMemory && connection.SharesMemory() && Share(bytes)) return;
   mOwnPixels.resize(bytes);
   mPixels = mOwnPixels.data();
@@ -31,12 +31,12 @@ X11Surface::X11Surface(X11Connection& connection, xcb_window_t window, const X11
 X11Surface::~X11Surface() {
   if (mSegment) {
     xcb_shm_detach(mConnection.Get(), mSegment);
-    munmap(mPixels, mRowBytes * static_cast<size_t>(mHeight));
+    munmap(mPixels, mRowBytes * static_cast<std::size_t>(mHeight));
   }
   xcb_free_gc(mConnection.Get(), mGC);
 }
 
-bool X11Surface::Share(size_t bytes) {
+bool X11Surface::Share(std::size_t bytes) {
   FileDescriptor file(memfd_create("tolmara-editor", MFD_CLOEXEC));
   if (!file.IsOpen() || ftruncate(file.Get(), static_cast<off_t>(bytes)) != 0) return false;
   void* pixels = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, file.Get(), 0);
@@ -55,8 +55,8 @@ bool X11Surface::Share(size_t bytes) {
 }
 
 uint8_t* X11Surface::At(int x, int y) const {
-  return mPixels + static_cast<size_t>(y) * mRowBytes +
-         static_cast<size_t>(x) * mFormat.PixelBytes();
+  return mPixels + static_cast<std::size_t>(y) * mRowBytes +
+         static_cast<std::size_t>(x) * mFormat.PixelBytes();
 }
 
 IRECT X11Surface::Clipped(const IRECT& rect) const {
@@ -91,17 +91,17 @@ void X11Surface::PutShared(const IRECT& r) {
 
 void X11Surface::PutInRequests(const IRECT& r) {
   xcb_connection_t* c = mConnection.Get();
-  const size_t rowBytes = mFormat.RowBytes(r.W());
-  const size_t limit = size_t{xcb_get_maximum_request_length(c)} * 4;
-  constexpr size_t kHeader = sizeof(xcb_put_image_request_t) + 4;  // with an extended length
-  if (limit < kHeader + rowBytes) return;                          // no connection any more
-  const int rows = static_cast<int>(std::min<size_t>((limit - kHeader) / rowBytes, 1 << 14));
+  const std::size_t rowBytes = mFormat.RowBytes(r.W());
+  const std::size_t limit = std::size_t{xcb_get_maximum_request_length(c)} * 4;
+  constexpr std::size_t kHeader = sizeof(xcb_put_image_request_t) + 4;  // with an extended length
+  if (limit < kHeader + rowBytes) return;                               // no connection any more
+  const int rows = static_cast<int>(std::min<std::size_t>((limit - kHeader) / rowBytes, 1 << 14));
   for (int y = r.T; y < r.B; y += rows) {
     const int n = std::min(rows, r.B - y);
-    mPacked.assign(rowBytes * static_cast<size_t>(n), 0);
-    const size_t used = static_cast<size_t>(r.W()) * mFormat.PixelBytes();
+    mPacked.assign(rowBytes * static_cast<std::size_t>(n), 0);
+    const std::size_t used = static_cast<std::size_t>(r.W()) * mFormat.PixelBytes();
     for (int i = 0; i < n; ++i) {
-      std::memcpy(mPacked.data() + static_cast<size_t>(i) * rowBytes, At(r.L, y + i), used);
+      std::memcpy(mPacked.data() + static_cast<std::size_t>(i) * rowBytes, At(r.L, y + i), used);
     }
     xcb_put_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, mWindow, mGC, X11Int<uint16_t>(r.W()),
                   X11Int<uint16_t>(n), X11Int<int16_t>(r.L), X11Int<int16_t>(y), 0,

@@ -30,7 +30,7 @@ class X11Surface {
   void Show(const IRECT& rect);
 
  private:
-  bool Share(size_t bytes);
+  bool Share(std::size_t bytes);
   void PutShared(const IRECT& rect);
   void PutInRequests(const IRECT& rect);
   IRECT Clipped(const IRECT& rect) const;
@@ -40,7 +40,7 @@ class X11Surface {
   xcb_window_t mWindow;
   X11PixelFormat mFormat;
   int mWidth, mHeight;
-  size_t mRowBytes;
+  std::size_t mRowBytes;
   xcb_gcontext_t mGC;
   uint8_t* mPixels = nullptr;  // mRowBytes * mHeight bytes: shared, or those of mOwnPixels
   uint32_t mSegment = 0;       // shared memory at the server, 0 for none

@@ -8,7 +8,7 @@ namespace {
 // The number at the head of a text, without its fraction; saturates.
 long WholeNumber(const std::u32string& text) {
   constexpr long kLimit = 1L << 40;
-  size_t i = !text.empty() && (text[0] == U'-' || text[0] == U'+') ? 1 : 0;
+  std::size_t i = !text.empty() && (text[0] == U'-' || text[0] == U'+') ? 1 : 0;
   long value = 0;
   for (; i < text.size() && text[i] >= U'0' && text[i] <= U'9'; ++i) {
     value = std::min(value * 10 + static_cast<long>(text[i] - U'0'), kLimit);
@@ -31,8 +31,8 @@ LineEdit::LineEdit(std::u32string text, LineFilter filter)
     : mText(std::move(text)), mFilter(std::move(filter)), mCaret(Length()) {}
 
 bool LineEdit::Insert(const std::u32string& text) {
-  const auto start = static_cast<size_t>(SelectionStart());
-  const auto end = static_cast<size_t>(SelectionEnd());
+  const auto start = static_cast<std::size_t>(SelectionStart());
+  const auto end = static_cast<std::size_t>(SelectionEnd());
   std::u32string whole = mText.substr(0, start) + text + mText.substr(end);
   if (!mFilter.Accepts(whole)) return false;
   mText = std::move(whole);
@@ -43,7 +43,7 @@ bool LineEdit::Insert(const std::u32string& text) {
 void LineEdit::Erase(bool forward) {
   if (!HasSelection()) MoveTo(mCaret + (forward ? 1 : -1), true);
   const int start = SelectionStart();
-  mText.erase(static_cast<size_t>(start), static_cast<size_t>(SelectionEnd() - start));
+  mText.erase(static_cast<std::size_t>(start), static_cast<std::size_t>(SelectionEnd() - start));
   mCaret = mAnchor = start;
 }
 
@@ -66,7 +66,7 @@ void LineEdit::SelectAll() {
 }
 
 void LineEdit::SelectWord(int position) {
-  const auto blankAt = [this](int i) { return IsBlank(mText[static_cast<size_t>(i)]); };
+  const auto blankAt = [this](int i) { return IsBlank(mText[static_cast<std::size_t>(i)]); };
   int start = std::clamp(position, 0, Length());
   int end = start;
   while (start > 0 && !blankAt(start - 1)) --start;
@@ -77,5 +77,6 @@ void LineEdit::SelectWord(int position) {
 
 std::u32string LineEdit::Selected() const {
   const int start = SelectionStart();
-  return mText.substr(static_cast<size_t>(start), static_cast<size_t>(SelectionEnd() - start));
+  return mText.substr(static_cast<std::size_t>(start),
+                      static_cast<std::size_t>(SelectionEnd() - start));
 }

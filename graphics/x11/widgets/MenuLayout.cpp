@@ -53,7 +53,7 @@ MenuLayout::MenuLayout(const IPopupMenu& menu,
 }
 
 int MenuLayout::RowAt(int y) const {
-  for (size_t i = 0; i < mRows.size(); ++i) {
+  for (std::size_t i = 0; i < mRows.size(); ++i) {
     if (y >= mRows[i].top && y < mRows[i].top + mRows[i].height) return static_cast<int>(i);
   }
   return -1;

@@ -33,7 +33,7 @@ class MenuLayout {
   int Width() const { return mWidth; }
   int Height() const { return mHeight; }
   const std::vector<MenuRow>& Rows() const { return mRows; }
-  const MenuRow& Row(int row) const { return mRows[static_cast<size_t>(row)]; }
+  const MenuRow& Row(int row) const { return mRows[static_cast<std::size_t>(row)]; }
   int RowAt(int y) const;  // -1 for none
   // The next row in a direction that can be lit, around the ends; from -1 the first or last. -1
   // when there is none.

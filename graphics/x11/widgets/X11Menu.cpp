@@ -120,22 +120,22 @@ void X11Menu::OpenSubmenu() {
 
 int X11Menu::PanelAt(int x, int y) const {
   for (int i = static_cast<int>(mPanels.size()) - 1; i >= 0; --i) {
-    if (mPanels[static_cast<size_t>(i)]->place.Contains(x, y)) return i;
+    if (mPanels[static_cast<std::size_t>(i)]->place.Contains(x, y)) return i;
   }
   return -1;
 }
 
 int X11Menu::RowAt(int panel, int y) const {
-  const Panel& p = *mPanels[static_cast<size_t>(panel)];
+  const Panel& p = *mPanels[static_cast<std::size_t>(panel)];
   return p.layout.RowAt(y - p.place.T + p.scroll);
 }
 
 void X11Menu::Light(int panel, int row) {
-  Panel& p = *mPanels[static_cast<size_t>(panel)];
+  Panel& p = *mPanels[static_cast<std::size_t>(panel)];
   if (row >= 0 && !p.layout.Row(row).CanBeLit()) row = -1;
-  const bool hasSubmenuOpen = static_cast<size_t>(panel) + 1 < mPanels.size();
+  const bool hasSubmenuOpen = static_cast<std::size_t>(panel) + 1 < mPanels.size();
   if (p.lit == row && (hasSubmenuOpen || row < 0 || !p.layout.Row(row).submenu)) return;
-  mPanels.resize(static_cast<size_t>(panel) + 1);
+  mPanels.resize(static_cast<std::size_t>(panel) + 1);
   p.lit = row;
   Draw(p);
   if (row >= 0 && p.layout.Row(row).submenu) OpenSubmenu();
@@ -161,7 +161,7 @@ void X11Menu::Release(const xcb_button_release_event_t& event) {
   const int panel = PanelAt(event.root_x, event.root_y);
   if (panel < 0) return;
   Light(panel, RowAt(panel, event.root_y));
-  if (static_cast<size_t>(panel) + 1 == mPanels.size()) Choose();
+  if (static_cast<std::size_t>(panel) + 1 == mPanels.size()) Choose();
 }
 
 void X11Menu::Choose() {
@@ -260,8 +260,8 @@ void X11Menu::DrawRow(Panel& panel, int index) {
   DrawText(bitmap, row.text, color, &place, false);
   const auto y = static_cast<float>(middle);
   if (row.checked) {
-    LICE_Line(bitmap, 7.0F, y, 10.0F, y + 3.5F, color.Pixel());
-    LICE_Line(bitmap, 10.0F, y + 3.5F, 15.0F, y - 4.0F, color.Pixel());
+    LICE_Line(bitmap, 7.0f, y, 10.0f, y + 3.5f, color.Pixel());
+    LICE_Line(bitmap, 10.0f, y + 3.5f, 15.0f, y - 4.0f, color.Pixel());
   }
   if (row.submenu) {
     LICE_FillTriangle(bitmap, w - 13, middle - 4, w - 13, middle + 4, w - 9, middle, color.Pixel());

@@ -142,7 +142,8 @@ int X11TextField::WidthOf(int from, int to) {
 }
 
 std::string X11TextField::Part(int from, int to) const {
-  return ToUtf8(mEdit.Text().substr(static_cast<size_t>(from), static_cast<size_t>(to - from)));
+  return ToUtf8(
+      mEdit.Text().substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
 }
 
 int X11TextField::TextLeft() {

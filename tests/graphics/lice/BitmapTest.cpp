@@ -17,11 +17,11 @@ TEST(MemBitmap, PadsRowsToTheLowestSetBitOfItsAlignment) {
 
 TEST(MemBitmap, KeepsItsMemoryWithinAQuarterOfGrowthAndFreesItAtZero) {
   LICE_MemBitmap b(40, 40);
-  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(b.getBits()) % 64, 0u);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(b.getBits()) % 64, 0U);
   *b.getBits() = 7;
   EXPECT_FALSE(b.resize(40, 40));
   EXPECT_TRUE(b.resize(40, 50));
-  EXPECT_EQ(*b.getBits(), 7u);                  // new memory would be zero
+  EXPECT_EQ(*b.getBits(), 7U);                  // new memory would be zero
   LICE_FillRect(&b, 0, 0, 40, 50, 0xFFFFFFFF);  // all of it is there
   EXPECT_TRUE(b.resize(0, 50));
   EXPECT_EQ(b.getBits(), nullptr);

@@ -169,11 +169,11 @@ TEST(Blit, PaintsNothingForWhatIsMissingEmptyOrFarAway) {
   LICE_FillRect(&dest, INT_MIN, 0, INT_MAX, 4, 0xFFFFFFFF);
   LICE_PutPixel(&dest, 4, 0, 0xFFFFFFFF);
   EXPECT_EQ(PaintedCount(dest), 0);
-  EXPECT_EQ(LICE_GetPixel(&src, -1, 0), 0u);
+  EXPECT_EQ(LICE_GetPixel(&src, -1, 0), 0U);
 
   // The largest rectangles that do reach the bitmap cover it, and absurd weights stay in bounds.
   LICE_FillRect(&dest, -5, -5, INT_MAX, INT_MAX, 0x01010101, 1e30f, LICE_BLIT_MODE_ADD);
-  EXPECT_EQ(LICE_GetPixel(&dest, 3, 3), 0x10101010u);
+  EXPECT_EQ(LICE_GetPixel(&dest, 3, 3), 0x10101010U);
   LICE_Blit(&dest, &src, 0, 0, 0, 0, 4, 4, -1e30f, LICE_BLIT_MODE_DODGE);
   LICE_Blit(&dest, &src, INT_MIN + 8, 0, INT_MIN + 8, 0, INT_MAX, INT_MAX, 1.0f, 0);
   EXPECT_TRUE(SameScreen(dest, Screen(src)));
@@ -209,7 +209,7 @@ TEST(RotatedBlit, TurnsClockwiseAboutThePointAndSmoothsTheBorder) {
   for (int i = 0; i < 25; ++i) {
     EXPECT_EQ(LICE_GetPixel(&turned, 6 - i / 5, 2 + i % 5), LICE_GetPixel(&src, i % 5, i / 5));
   }
-  EXPECT_EQ(LICE_GetPixel(&turned, 1, 4), 0u);
+  EXPECT_EQ(LICE_GetPixel(&turned, 1, 4), 0U);
   LICE_FillRect(&block, 0, 0, 10, 10, 0xFFFFFFFF);
   LICE_RotatedBlit(&soft, &block, 10, 10, 5, 5, 0.3f, 1.0f, kAlpha | LICE_BLIT_FILTER_BILINEAR);
   EXPECT_NEAR(PaintedArea(soft), 100.0, 2.0);

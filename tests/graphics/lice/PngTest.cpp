@@ -23,7 +23,7 @@ std::vector<std::filesystem::path> Samples() {
   std::vector<std::filesystem::path> paths;
   const std::filesystem::directory_iterator folder(TOLMARA_SOURCE_DIR "/fuzz/corpus/Png");
   for (const auto& entry : folder) paths.push_back(entry.path());
-  EXPECT_GE(paths.size(), 11u);
+  EXPECT_GE(paths.size(), 11U);
   return paths;
 }
 
@@ -107,7 +107,7 @@ TEST(LoadPng, GivesNothingForTruncatedOrDamagedFiles) {
 
 TEST(LoadPng, RefusesImagesThatAreTooLarge) {
   EXPECT_TRUE(Load(Encode(16384, 1)));
-  for (const auto& [w, h] : {std::pair{16385u, 1u}, {1u, 16385u}, {16384u, 1025u}}) {
+  for (const auto& [w, h] : {std::pair{16385U, 1U}, {1U, 16385U}, {16384U, 1025U}}) {
     EXPECT_FALSE(Load(Encode(w, h))) << w << " " << h;
   }
   // A header that announces two thousand million pixels each way.

@@ -40,7 +40,7 @@ TEST(Circle, SharpFormsPaintEachPixelOnceSymmetricallyAndMeet) {
         reach = std::max(reach, x);
       }
       for (int x = -16; x <= 16; ++x) {
-        EXPECT_EQ(LICE_GetPixel(&disc, 16 + x, 16 + y), std::abs(x) <= reach ? kOnce : 0u)
+        EXPECT_EQ(LICE_GetPixel(&disc, 16 + x, 16 + y), std::abs(x) <= reach ? kOnce : 0U)
             << r << ": " << x << " " << y;
       }
     }
@@ -73,10 +73,10 @@ TEST(RoundRect, FillsItsSidesAndCutsItsCorners) {
         EXPECT_EQ(LICE_GetPixel(&outline, x, y), kWhite);
         EXPECT_EQ(LICE_GetPixel(&filled, x, y), kWhite);
       }
-      for (const int y : {3, 5, 22, 24}) EXPECT_EQ(LICE_GetPixel(&outline, x, y), 0u);
-      for (const int y : {3, 24}) EXPECT_EQ(LICE_GetPixel(&filled, x, y), 0u);
+      for (const int y : {3, 5, 22, 24}) EXPECT_EQ(LICE_GetPixel(&outline, x, y), 0U);
+      for (const int y : {3, 24}) EXPECT_EQ(LICE_GetPixel(&filled, x, y), 0U);
     }
-    EXPECT_EQ(LICE_GetPixel(&outline, 5, 4) | LICE_GetPixel(&filled, 34, 23), 0u);
+    EXPECT_EQ(LICE_GetPixel(&outline, 5, 4) | LICE_GetPixel(&filled, 34, 23), 0U);
     EXPECT_NEAR(PaintedArea(filled), 600 - (4 - kPi) * 6.5 * 6.5, 5.0);
     // Without corners it is the rectangle.
     LICE_FillRoundRect(&square, 5, 4, 30, 20, 0, kWhite, 1.0f, 0, smooth);
@@ -158,7 +158,7 @@ TEST(FillTriangle, TakesThePixelsWhoseCentresLieInIt) {
         most = std::max(most, side);
       }
       const bool bounded = px >= left && px <= right && py >= top && py <= bottom;
-      ASSERT_EQ(LICE_GetPixel(&b, px, py), bounded && (least == 0 || most == 0) ? kOnce : 0u)
+      ASSERT_EQ(LICE_GetPixel(&b, px, py), bounded && (least == 0 || most == 0) ? kOnce : 0U)
           << "seed " << seed << " at " << px << " " << py;
     }
   }

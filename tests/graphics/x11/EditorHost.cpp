@@ -91,7 +91,7 @@ VstIntPtr HostTest::Answer(AEffect* effect, int32_t opcode, int32_t index, VstIn
 }
 
 VstIntPtr HostTest::Dispatch(int opcode, int index, VstIntPtr value, void* ptr) {
-  return mEffect->dispatcher(mEffect, opcode, index, value, ptr, 0.0F);
+  return mEffect->dispatcher(mEffect, opcode, index, value, ptr, 0.0f);
 }
 
 bool HostTest::Open(xcb_window_t parent) {

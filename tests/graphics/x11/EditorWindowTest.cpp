@@ -124,7 +124,7 @@ TEST_F(EditorWindowTest, OpensManyTimesAndLeavesNothing) {
   for (int i = 0; i < 20; ++i) openAndClose(i);
   const int threads = ThreadCount();
   const int descriptors = DescriptorCount();
-  const size_t bytes = mallinfo2().uordblks;
+  const std::size_t bytes = mallinfo2().uordblks;
   for (int i = 0; i < kManyTimes; ++i) ASSERT_NO_FATAL_FAILURE(openAndClose(i));
   EXPECT_EQ(ThreadCount(), threads);
   EXPECT_EQ(DescriptorCount(), descriptors);

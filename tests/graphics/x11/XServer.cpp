@@ -183,7 +183,7 @@ std::vector<uint32_t> XUser::Picture(xcb_window_t window, const IRECT& rect) {
                     static_cast<int16_t>(rect.T), static_cast<uint16_t>(rect.W()),
                     static_cast<uint16_t>(rect.H()), ~0U));
   if (!image) return {};
-  const size_t pixelBytes = image->depth <= 16 ? 2 : 4;
+  const std::size_t pixelBytes = image->depth <= 16 ? 2 : 4;
   const uint32_t mask = image->depth < 32 ? (1U << image->depth) - 1 : ~0U;
   const int rowBytes = xcb_get_image_data_length(image.get()) / rect.H();
   std::vector<uint32_t> pixels;
@@ -233,7 +233,7 @@ std::string XUser::Text(xcb_window_t window, xcb_atom_t name) {
       xcb_get_property(Get(), 0, window, name, XCB_ATOM_ANY, 0, 1000));
   if (!reply || reply->format != 8) return "";
   return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-          static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
+          static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
 int ThreadCount() { return EntryCount("/proc/self/task"); }

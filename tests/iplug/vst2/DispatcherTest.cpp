@@ -13,7 +13,7 @@ TEST(Construction, ThePlugInsTraitsStandInItsRecord) {
   const Rig rig({.latency = 11});
   EXPECT_EQ(std::memcmp(&rig.effect->magic, "PtsV", 4), 0);
   EXPECT_EQ(rig.effect->initialDelay, 11);
-  EXPECT_EQ(rig.effect->ioRatio, 1.0F);
+  EXPECT_EQ(rig.effect->ioRatio, 1.0f);
   EXPECT_EQ(rig.effect->version, 10203);
   char version[32];
   rig.plug->GetEffectVersionStr(version);
@@ -32,10 +32,10 @@ TEST(Construction, FillsTheSlotsAndNeverThrows) {
     ASSERT_NE(effect, nullptr);
     EXPECT_EQ(effect->numPrograms, hasPresets ? 4 : 1);
     char name[64];
-    effect->dispatcher(effect, effGetProgramNameIndexed, 3, 0, name, 0.0F);
+    effect->dispatcher(effect, effGetProgramNameIndexed, 3, 0, name, 0.0f);
     EXPECT_STREQ(name, hasPresets ? "Empty" : "") << "no slot stays unfilled";
-    effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0.0F);  // without a host to ask
-    effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0F);
+    effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0.0f);  // without a host to ask
+    effect->dispatcher(effect, effClose, 0, 0, nullptr, 0.0f);
   }
   const auto fail = [](audioMasterCallback) -> IPlugVST* { throw 1; };
   EXPECT_EQ(ConstructUnderLock(fail, nullptr), nullptr);
@@ -63,7 +63,7 @@ TEST(Dispatcher, FormatsAreTakenAsToldButForSizesOfNoSense) {
     rig.Dispatch(effSetBlockSize, 0, size);
     EXPECT_EQ(rig.plug->GetBlockSize(), 256) << size;
   }
-  for (const float rate : {48000.0F, 0.0F, -1.0F}) {
+  for (const float rate : {48000.0f, 0.0f, -1.0f}) {
     rig.Dispatch(effSetSampleRate, 0, 0, nullptr, rate);
     EXPECT_EQ(rig.plug->GetSampleRate(), static_cast<double>(rate));
   }
@@ -83,11 +83,11 @@ TEST(Dispatcher, FixedAnswers) {
     EXPECT_EQ(rig.Dispatch(opcode, 0, 1, buffer), 0) << opcode;
   }
   for (const int opcode : {INT_MIN, -1, 70, INT_MAX}) EXPECT_EQ(rig.Dispatch(opcode), 0) << opcode;
-  EXPECT_EQ(rig.effect->dispatcher(nullptr, effIdentify, 0, 0, nullptr, 0.0F), 0);
+  EXPECT_EQ(rig.effect->dispatcher(nullptr, effIdentify, 0, 0, nullptr, 0.0f), 0);
   rig.effect->object = nullptr;
   EXPECT_EQ(rig.Dispatch(effIdentify), 0);
-  EXPECT_EQ(rig.effect->getParameter(rig.effect, 0), 0.0F);
-  rig.effect->setParameter(rig.effect, 0, 1.0F);
+  EXPECT_EQ(rig.effect->getParameter(rig.effect, 0), 0.0f);
+  rig.effect->setParameter(rig.effect, 0, 1.0f);
 }
 
 TEST(Dispatcher, TextsOfParametersAndOfThePlugIn) {
@@ -111,7 +111,7 @@ TEST(Dispatcher, TextsOfParametersAndOfThePlugIn) {
                 {effVendorSpecific, 9, kMode, 0, "untouched"}};
   for (const auto& c : kCases) {
     char text[256] = "untouched";
-    EXPECT_EQ(rig.Dispatch(c.opcode, c.index, c.value, text, 0.5F), c.result) << c.opcode;
+    EXPECT_EQ(rig.Dispatch(c.opcode, c.index, c.value, text, 0.5f), c.result) << c.opcode;
     EXPECT_STREQ(text, c.text) << c.opcode;
   }
   EXPECT_EQ(rig.Dispatch(effGetEffectName), 0);
@@ -175,15 +175,15 @@ TEST(Dispatcher, TextSetsAParameter) {
 
 TEST(Dispatcher, ParameterCallsCheckTheirIndexAndAnnounceTheValue) {
   Rig rig;
-  rig.effect->setParameter(rig.effect, kTapered, 0.5F);
-  rig.effect->setParameter(rig.effect, kCount, 0.5F);
+  rig.effect->setParameter(rig.effect, kTapered, 0.5f);
+  rig.effect->setParameter(rig.effect, kCount, 0.5f);
   EXPECT_EQ(rig.plug->Value(kTapered), 25.0);
-  EXPECT_EQ(rig.effect->getParameter(rig.effect, kTapered), 0.5F);
+  EXPECT_EQ(rig.effect->getParameter(rig.effect, kTapered), 0.5f);
   EXPECT_EQ(rig.plug->Value(kCount), 0.0);
   EXPECT_EQ(rig.TakeLog(), "Param 4 Param 1");
   for (const int index : {-1, int{kNumTestParams}, INT_MAX, INT_MIN}) {
-    rig.effect->setParameter(rig.effect, index, 1.0F);
-    EXPECT_EQ(rig.effect->getParameter(rig.effect, index), 0.0F);
+    rig.effect->setParameter(rig.effect, index, 1.0f);
+    EXPECT_EQ(rig.effect->getParameter(rig.effect, index), 0.0f);
   }
   EXPECT_EQ(rig.TakeLog(), "");
 }
@@ -292,7 +292,7 @@ TEST(Editor, ControlsFollowTheHostWithNumbersOnly) {
   auto* editor = new FakeEditor(rig.plug.get());
   editor->AttachControl(new ListeningControl(rig.plug.get(), &values));
   rig.plug->AttachGraphics(editor);
-  rig.effect->setParameter(rig.effect, kTapered, 0.75F);
+  rig.effect->setParameter(rig.effect, kTapered, 0.75f);
   rig.effect->setParameter(rig.effect, kTapered, NAN);
   char text[] = "25";
   rig.Dispatch(effString2Parameter, kTapered, 0, text);

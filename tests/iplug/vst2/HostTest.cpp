@@ -81,7 +81,7 @@ TEST(HostServices, ChangesFromTheEditorTellTheHostInTheOrderItCanBear) {
     const HostCall& call = rig.host.calls[0];
     EXPECT_EQ(call.opcode, audioMasterAutomate);
     EXPECT_EQ(call.index, kCount);
-    EXPECT_EQ(call.opt, 0.8F) << "as the control gave it, not as it was rounded";
+    EXPECT_EQ(call.opt, 0.8f) << "as the control gave it, not as it was rounded";
     EXPECT_EQ(call.locked, !fruity);
     EXPECT_EQ(rig.TakeLog(), fruity ? "Param 1 Automate" : "Automate Param 1");
   }
@@ -98,7 +98,7 @@ TEST(HostServices, NoticesCarryTheirParameter) {
     EXPECT_EQ(call->opcode, opcode);
     EXPECT_EQ(call++->index, index);
   }
-  EXPECT_EQ(call->opt, 1.0F) << "kSwitch";
+  EXPECT_EQ(call->opt, 1.0f) << "kSwitch";
   EXPECT_TRUE(call->locked);
 }
 

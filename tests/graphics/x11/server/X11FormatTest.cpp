@@ -18,7 +18,7 @@ TEST(X11PixelFormat, PutsEachColourInItsPlaceInEitherByteOrder) {
   const struct {
     X11PixelFormat::Layout layout;  // with the least significant byte first
     Bytes first, second;
-    size_t rowOfFive;
+    std::size_t rowOfFive;
   } cases[] = {
       {{}, {0x56, 0x34, 0x12, 0}, {0x07, 0x80, 0xFF, 0}, 20},
       {{32}, {0x56, 0x34, 0x12, 0xFF}, {0x07, 0x80, 0xFF, 0xFF}, 20},  // opaque

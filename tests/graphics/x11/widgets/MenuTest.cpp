@@ -194,7 +194,7 @@ TEST_F(MenuTest, TheEditorGoesOnBehindItAndTheLockIsFree) {
 TEST_F(MenuTest, OneThatIsLargerThanTheWindowStaysOnTheMonitor) {
   for (int i = 0; i < 40; ++i) mMenu.AddItem(("item " + std::to_string(i)).c_str());
   const auto desktop = [&] { return mUser.ChildrenOf(mUser.Screen().root); };
-  const size_t windows = desktop().size();
+  const std::size_t windows = desktop().size();
   for (const bool twoMonitors : {false, true}) {
     constexpr int kSplit = kLeft + 215;
     if (twoMonitors) {
