@@ -30,7 +30,7 @@ class ModuleHostTest : public HostTest {
   }
 
   void PlayBlock() {
-    std::vector<float> in(256, 0.1F), left(256), right(256);
+    std::vector<float> in(256, 0.1f), left(256), right(256);
     float* inputs[] = {in.data(), in.data()};
     float* outputs[] = {left.data(), right.data()};
     mEffect->processReplacing(mEffect, inputs, outputs, 256);
