@@ -1,9 +1,9 @@
-# The transform engine's kernels are written once and compiled once per instruction set, each in a
-# source of its own with flags of its own; the engine picks one at its first use. numeric/dft/x86
-# holds those of x86-64, numeric/dft/scalar the one of all other builds.
-set(TOLMARA_DFT_VARIANTS numeric/dft/scalar)
+# The kernels of the transform engine and of the sums of spectra are written once and compiled once
+# per instruction set, each in a source of its own with flags of its own; the engine picks one at
+# its first use. The folders x86 hold those of x86-64, the folders scalar the one of other builds.
+set(TOLMARA_DFT_VARIANTS numeric/dft/scalar numeric/scalar)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
-  set(TOLMARA_DFT_VARIANTS numeric/dft/x86)
+  set(TOLMARA_DFT_VARIANTS numeric/dft/x86 numeric/x86)
   # Left to itself the compiler copies pairs of pointers as vectors, which stalls short transforms:
   # a vector load waits for the two narrow stores before it.
   set(kernels -fno-tree-slp-vectorize)
@@ -19,4 +19,7 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
     COMPILE_OPTIONS "${kernels};${avx2}")
   set_source_files_properties(numeric/dft/x86/EngineAvx512.cpp PROPERTIES
     COMPILE_OPTIONS "${kernels};${avx512}")
+  # No fused multiply-add: the sums keep the bits of the 128-bit form.
+  set_source_files_properties(numeric/x86/SpectrumKernelAvx2.cpp PROPERTIES
+    COMPILE_OPTIONS -mavx2)
 endif()

@@ -3,6 +3,7 @@
 
 #include "numeric/AlignedVector.h"
 #include "numeric/FFTWrap.h"
+#include "numeric/SpectrumBlocks.h"
 
 // Uniformly partitioned overlap-add convolution with a delay line of spectra. A block costs one
 // forward and one inverse transform and one complex multiply-add per partition, and its output
@@ -33,6 +34,8 @@ class ConvolutionPartitioned {
   // runs of bins is free and does not change the result.
   void process_X(const AlignedVector<T>& x);
   void process_partition(int partition, int first_bin, int bin_count);
+  // The same bits as process_partition for each partition in ascending order, in one pass.
+  void process_bins(int first_bin, int bin_count);
   void process_Y(AlignedVector<T>& y);
 
   // Forgets the signal; the response stays.
@@ -43,10 +46,9 @@ class ConvolutionPartitioned {
   int get_N_partitions() const { return N_partitions; }
 
  private:
-  // The spectrum of the block that is `age` blocks old, which meets H[age].
-  const complex* input_spectrum(int age) const {
-    return X[static_cast<std::size_t>((x_index - age + N_partitions) % N_partitions)].data();
-  }
+  // Row of X that holds the block of `age` blocks ago, which meets row `age` of H. The ring runs
+  // backwards through the rows, so that ages ascend as the rows do.
+  int x_row(int age) const { return (N_partitions - 1 - x_index + age) % N_partitions; }
 
   int block_size = 0;    // samples per block and taps per partition
   int fir_size = 0;      // taps of the response
@@ -55,11 +57,11 @@ class ConvolutionPartitioned {
   int N_partitions = 0;  // partitions of the response
   int ring_size = 0;     // M_p rounded up to whole blocks
   FFTWrap<T> fft;
-  AlignedVector<T> block_buffer;            // M_p samples, padded block or inverse result
-  AlignedVector<complex> Y;                 // M_p_half bins, spectrum of the output block
-  int x_index = 0;                          // slot of X that holds the newest block
-  AlignedVector<AlignedVector<complex>> X;  // spectra of the last N_partitions blocks, a ring
-  AlignedVector<AlignedVector<complex>> H;  // spectra of the partitions
-  int ring_position = 0;                    // next block to leave ring, a multiple of block_size
-  AlignedVector<T> ring;                    // ring_size samples of overlapping output
+  AlignedVector<T> block_buffer;  // M_p samples, padded block or inverse result
+  AlignedVector<complex> Y;       // M_p_half bins, spectrum of the output block
+  int x_index = 0;                // slot of X that holds the newest block
+  SpectrumBlocks X;               // spectra of the last N_partitions blocks, a ring
+  SpectrumBlocks H;               // spectra of the partitions
+  int ring_position = 0;          // next block to leave ring, a multiple of block_size
+  AlignedVector<T> ring;          // ring_size samples of overlapping output
 };

@@ -123,7 +123,7 @@ void ConvolutionPartitionedNonuniform<T>::accumulate(FDL& level) {
   const int first = level.phase * chunk;
   const bool is_last = level.phase == level.phase_count - 1;
   const int count = is_last ? level.M_p_half - first : chunk;
-  for (int p = 0; p < level.N_partitions; ++p) level.conv->process_partition(p, first, count);
+  level.conv->process_bins(first, count);
   level.phase += 1;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include "tests/convolution/StreamConvolver.h"
@@ -31,14 +32,17 @@ TEST(ConvolutionPartitioned, GivesTheSameBitsHoweverTheBinsAreDivided) {
   const auto x = random_signal(12 * N, 5);
   Convolver whole(N, h);
   const auto expected = stream(whole, N, x);
-  for (const int run : {1, 2, 3, 4, 5, 7, 64, 100, 1000}) {
+  for (const int run : {1, 2, 3, 4, 5, 7, 64, 100, 1000, -7, -64}) {  // negative: by process_bins
     Convolver split(N, h);
     AlignedVector<float> block(static_cast<std::size_t>(N)), y;
     for (int i = 0; i < 12; ++i) {
       std::copy_n(x.data() + i * N, N, block.data());
       split.process_X(block);
-      for (int bin = 0; bin < split.get_M_p_half(); bin += run) {
-        for (int p = 0; p < split.get_N_partitions(); ++p) split.process_partition(p, bin, run);
+      for (int bin = 0; bin < split.get_M_p_half(); bin += std::abs(run)) {
+        if (run < 0) split.process_bins(bin, -run);
+        for (int p = 0; run > 0 && p < split.get_N_partitions(); ++p) {
+          split.process_partition(p, bin, run);
+        }
       }
       split.process_Y(block);
       y.insert(y.end(), block.begin(), block.end());
