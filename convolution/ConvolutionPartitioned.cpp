@@ -62,6 +62,13 @@ void ConvolutionPartitioned<T>::process_X(const AlignedVector<T>& x) {
 }
 
 template <class T>
+void ConvolutionPartitioned<T>::process_X_of(const ConvolutionPartitioned& source, int age) {
+  x_index = (x_index + 1) % N_partitions;
+  X.copy(x_row(0), source.X, source.x_row(age));
+  std::fill(Y.begin(), Y.end(), complex(0));
+}
+
+template <class T>
 void ConvolutionPartitioned<T>::process_partition(int partition, int first_bin, int bin_count) {
   constexpr int kRun = 64;  // a multiple of four, which leaves strict products to the range's end
   complex x[kRun], h[kRun];

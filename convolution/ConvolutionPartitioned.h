@@ -34,6 +34,9 @@ class ConvolutionPartitioned {
   // runs of bins is free and does not change the result.
   void process_X(const AlignedVector<T>& x);
   void process_partition(int partition, int first_bin, int bin_count);
+  // process_X of the block that `source`, of the same block size, had `age` blocks ago, without its
+  // transform; age is below the partitions of the source.
+  void process_X_of(const ConvolutionPartitioned& source, int age);
   // The same bits as process_partition for each partition in ascending order, in one pass.
   void process_bins(int first_bin, int bin_count);
   void process_Y(AlignedVector<T>& y);

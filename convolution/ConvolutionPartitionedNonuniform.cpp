@@ -89,6 +89,21 @@ void ConvolutionPartitionedNonuniform<T>::add_level(int block, int tap_count,
   AlignedVector<T> taps(static_cast<std::size_t>(tap_count));
   std::copy_n(h.data() + first_tap, std::min(tap_count, fir_size - first_tap), taps.data());
   levels.push_back(std::make_unique<FDL>(block, taps, first_tap / 2, block_size));
+  find_source(*levels.back());
+}
+
+// All levels keep step, so one of the same block had this level's input a fixed number of blocks
+// ago: by the difference of the delays.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::find_source(FDL& level) const {
+  for (const auto& earlier : levels) {
+    const int age = (level.delay - earlier->delay) / level.block;
+    const bool same = earlier->block == level.block && age > 0 && age < earlier->N_partitions &&
+                      level.delay - earlier->delay == age * level.block;
+    if (!same) continue;
+    level.source = earlier.get();
+    level.source_age = age;
+  }
 }
 
 template <class T>
@@ -105,12 +120,16 @@ void ConvolutionPartitionedNonuniform<T>::process(const AlignedVector<T>& x, Ali
   ring_take(y_ring, y_position, y.data(), block_size);
 }
 
-// Takes the level's next input block out of x_ring and transforms it.
+// Takes the level's next input block out of x_ring and transforms it, or takes its spectrum over.
 template <class T>
 void ConvolutionPartitionedNonuniform<T>::capture(FDL& level) {
-  const int start = (x_position + x_ring_size - level.delay) % x_ring_size;
-  ring_copy(x_ring, start, level.x.data(), level.block);
-  level.conv->process_X(level.x);
+  if (level.source) {
+    level.conv->process_X_of(*level.source->conv, level.source_age);
+  } else {
+    const int start = (x_position + x_ring_size - level.delay) % x_ring_size;
+    ring_copy(x_ring, start, level.x.data(), level.block);
+    level.conv->process_X(level.x);
+  }
   level.capture_position = y_position;
   level.write_position = (y_position + level.delay) % y_ring_size;
 }

@@ -44,19 +44,22 @@ class ConvolutionPartitionedNonuniform {
     void flush();
 
     std::unique_ptr<ConvolutionPartitioned<T>> conv;
-    int block = 0;             // samples per block of this level, a multiple of block_size
-    int delay = 0;             // half the first tap: samples back to the input, on to the output
-    int M_p_half = 0;          // bins per spectrum
-    int N_partitions = 0;      // partitions of the level
-    AlignedVector<T> x;        // block samples, captured input
-    AlignedVector<T> y;        // block samples, finished output
-    int phase = 0;             // calls already worked on the present block
-    int phase_count = 0;       // calls that a block spans
-    int capture_position = 0;  // y_position at capture, for inspection only
-    int write_position = 0;    // where in y_ring the finished block goes
+    int block = 0;                // samples per block of this level, a multiple of block_size
+    int delay = 0;                // half the first tap: samples back to the input, on to the output
+    int M_p_half = 0;             // bins per spectrum
+    int N_partitions = 0;         // partitions of the level
+    AlignedVector<T> x;           // block samples, captured input
+    AlignedVector<T> y;           // block samples, finished output
+    int phase = 0;                // calls already worked on the present block
+    int phase_count = 0;          // calls that a block spans
+    int capture_position = 0;     // y_position at capture, for inspection only
+    int write_position = 0;       // where in y_ring the finished block goes
+    const FDL* source = nullptr;  // an earlier level that already transformed the same input,
+    int source_age = 0;           // this many of its blocks ago
   };
 
   void add_level(int block, int tap_count, const AlignedVector<T>& h, int first_tap);
+  void find_source(FDL& level) const;
   void capture(FDL& level);
   static void accumulate(FDL& level);
   void finish(FDL& level);

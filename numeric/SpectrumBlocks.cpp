@@ -40,6 +40,13 @@ void SpectrumBlocks::put(int row, const complex* spectrum) {
   }
 }
 
+void SpectrumBlocks::copy(int row, const SpectrumBlocks& from, int from_row) {
+  for (int b = 0; b < blocks_of(bin_count); ++b) {
+    std::copy_n(from.values.data() + from.offset(b, from_row), 2 * kBinBlock,
+                values.data() + offset(b, row));
+  }
+}
+
 complex SpectrumBlocks::at(int row, int bin) const {
   const float* const re = values.data() + offset(bin / kBinBlock, row) + bin % kBinBlock;
   return {re[0], re[kBinBlock]};

@@ -18,8 +18,9 @@ class SpectrumBlocks {
 
   int rows() const { return row_count; }
 
-  // Copies a whole spectrum in.
+  // Take a whole spectrum in, interleaved or from a table of as many bins.
   void put(int row, const complex* spectrum);
+  void copy(int row, const SpectrumBlocks& from, int from_row);
   complex at(int row, int bin) const;
   void clear();
 
