@@ -20,22 +20,37 @@ void ConvolutionPartitioned<T>::update(int block_size_, const AlignedVector<T>& 
   M_p = FFTWrap<T>::FFT_next_fast_size_lib(2 * block_size - 1);
   M_p_half = M_p / 2 + 1;
   N_partitions = (fir_size + block_size - 1) / block_size;
+  allocate_signal_memory();
 
-  block_buffer = AlignedVector<T>(static_cast<std::size_t>(M_p));
-  Y = AlignedVector<complex>(static_cast<std::size_t>(M_p_half));
-  fft.update(M_p);
-
-  H = SpectrumBlocks(N_partitions, M_p_half);
+  const auto spectra = std::make_shared<SpectrumBlocks>(N_partitions, M_p_half);
+  AlignedVector<complex> spectrum(static_cast<std::size_t>(M_p_half));
   for (int i = 0; i < N_partitions; ++i) {
     const int first_tap = i * block_size;
     std::fill(block_buffer.begin(), block_buffer.end(), T(0));
     std::copy_n(h.data() + first_tap, std::min(fir_size - first_tap, block_size),
                 block_buffer.data());
-    fft.forward_real_2_cpx(block_buffer, Y);
-    H.put(i, Y.data());
+    fft.forward_real_2_cpx(block_buffer, spectrum);
+    spectra->put(i, spectrum.data());
   }
-  std::fill(Y.begin(), Y.end(), complex(0));
+  H = spectra;
+}
 
+template <class T>
+void ConvolutionPartitioned<T>::update(const ConvolutionPartitioned& other) {
+  block_size = other.block_size;
+  fir_size = other.fir_size;
+  M_p = other.M_p;
+  M_p_half = other.M_p_half;
+  N_partitions = other.N_partitions;
+  allocate_signal_memory();
+  H = other.H;
+}
+
+template <class T>
+void ConvolutionPartitioned<T>::allocate_signal_memory() {
+  block_buffer = AlignedVector<T>(static_cast<std::size_t>(M_p));
+  Y = AlignedVector<complex>(static_cast<std::size_t>(M_p_half));
+  fft.update(M_p);
   x_index = 0;
   X = SpectrumBlocks(N_partitions, M_p_half);
   ring_size = M_p + block_size - 1;
@@ -77,7 +92,7 @@ void ConvolutionPartitioned<T>::process_partition(int partition, int first_bin, 
     const int count = std::min(kRun, last - bin);
     for (int i = 0; i < count; ++i) {
       x[i] = X.at(x_row(partition), bin + i);
-      h[i] = H.at(partition, bin + i);
+      h[i] = H->at(partition, bin + i);
     }
     VectorizedFunctions<T>::cpx_mult_inplace_add_fastest(Y.data() + bin, x, h, count);
   }
@@ -86,7 +101,22 @@ void ConvolutionPartitioned<T>::process_partition(int partition, int first_bin, 
 template <class T>
 void ConvolutionPartitioned<T>::process_bins(int first_bin, int bin_count) {
   const int count = std::min(bin_count, M_p_half - first_bin);
-  add_products(Y.data(), X, x_row(0), H, first_bin, count);
+  const SpectrumChannel channel{Y.data(), &X};
+  add_products({&channel, 1}, x_row(0), *H, first_bin, count);
+}
+
+template <class T>
+void ConvolutionPartitioned<T>::process_bins_of_pair(ConvolutionPartitioned& a,
+                                                     ConvolutionPartitioned& b, int first_bin,
+                                                     int bin_count) {
+  if (a.x_index != b.x_index) {
+    a.process_bins(first_bin, bin_count);
+    b.process_bins(first_bin, bin_count);
+    return;
+  }
+  const int count = std::min(bin_count, a.M_p_half - first_bin);
+  const SpectrumChannel channels[] = {{a.Y.data(), &a.X}, {b.Y.data(), &b.X}};
+  add_products(channels, a.x_row(0), *a.H, first_bin, count);
 }
 
 template <class T>

@@ -1,6 +1,8 @@
 // Convolution of a stream of fixed-size blocks with a response cut into partitions of one block.
 #pragma once
 
+#include <memory>
+
 #include "numeric/AlignedVector.h"
 #include "numeric/FFTWrap.h"
 #include "numeric/SpectrumBlocks.h"
@@ -24,6 +26,8 @@ class ConvolutionPartitioned {
 
   // Derives everything from the response h and starts from silence.
   void update(int block_size, const AlignedVector<T>& h);
+  // The same for the response of `other`: both hold one copy of its spectra from now on.
+  void update(const ConvolutionPartitioned& other);
 
   // Reads block_size samples from x and writes as many to y; both may be the same array.
   void process(const AlignedVector<T>& x, AlignedVector<T>& y);
@@ -39,6 +43,9 @@ class ConvolutionPartitioned {
   void process_X_of(const ConvolutionPartitioned& source, int age);
   // The same bits as process_partition for each partition in ascending order, in one pass.
   void process_bins(int first_bin, int bin_count);
+  // process_bins of two objects of one response; one pass when they took in as many blocks.
+  static void process_bins_of_pair(ConvolutionPartitioned& a, ConvolutionPartitioned& b,
+                                   int first_bin, int bin_count);
   void process_Y(AlignedVector<T>& y);
 
   // Forgets the signal; the response stays.
@@ -49,6 +56,7 @@ class ConvolutionPartitioned {
   int get_N_partitions() const { return N_partitions; }
 
  private:
+  void allocate_signal_memory();
   // Row of X that holds the block of `age` blocks ago, which meets row `age` of H. The ring runs
   // backwards through the rows, so that ages ascend as the rows do.
   int x_row(int age) const { return (N_partitions - 1 - x_index + age) % N_partitions; }
@@ -60,11 +68,11 @@ class ConvolutionPartitioned {
   int N_partitions = 0;  // partitions of the response
   int ring_size = 0;     // M_p rounded up to whole blocks
   FFTWrap<T> fft;
-  AlignedVector<T> block_buffer;  // M_p samples, padded block or inverse result
-  AlignedVector<complex> Y;       // M_p_half bins, spectrum of the output block
-  int x_index = 0;                // slot of X that holds the newest block
-  SpectrumBlocks X;               // spectra of the last N_partitions blocks, a ring
-  SpectrumBlocks H;               // spectra of the partitions
-  int ring_position = 0;          // next block to leave ring, a multiple of block_size
-  AlignedVector<T> ring;          // ring_size samples of overlapping output
+  AlignedVector<T> block_buffer;            // M_p samples, padded block or inverse result
+  AlignedVector<complex> Y;                 // M_p_half bins, spectrum of the output block
+  int x_index = 0;                          // slot of X that holds the newest block
+  SpectrumBlocks X;                         // spectra of the last N_partitions blocks, a ring
+  std::shared_ptr<const SpectrumBlocks> H;  // spectra of the partitions
+  int ring_position = 0;                    // next block to leave ring, a multiple of block_size
+  AlignedVector<T> ring;                    // ring_size samples of overlapping output
 };

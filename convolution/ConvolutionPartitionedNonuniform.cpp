@@ -35,6 +35,19 @@ ConvolutionPartitionedNonuniform<T>::FDL::FDL(int block_, const AlignedVector<T>
 }
 
 template <class T>
+ConvolutionPartitionedNonuniform<T>::FDL::FDL(const FDL& model)
+    : conv(std::make_unique<ConvolutionPartitioned<T>>()),
+      block(model.block),
+      delay(model.delay),
+      M_p_half(model.M_p_half),
+      N_partitions(model.N_partitions),
+      x(model.x.size()),
+      y(model.y.size()),
+      phase_count(model.phase_count) {
+  conv->update(*model.conv);
+}
+
+template <class T>
 void ConvolutionPartitionedNonuniform<T>::FDL::flush() {
   std::fill(x.begin(), x.end(), T(0));
   std::fill(y.begin(), y.end(), T(0));
@@ -88,8 +101,28 @@ void ConvolutionPartitionedNonuniform<T>::add_level(int block, int tap_count,
                                                     const AlignedVector<T>& h, int first_tap) {
   AlignedVector<T> taps(static_cast<std::size_t>(tap_count));
   std::copy_n(h.data() + first_tap, std::min(tap_count, fir_size - first_tap), taps.data());
-  levels.push_back(std::make_unique<FDL>(block, taps, first_tap / 2, block_size));
-  find_source(*levels.back());
+  add_level(std::make_unique<FDL>(block, taps, first_tap / 2, block_size));
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::add_level(std::unique_ptr<FDL> level) {
+  find_source(*level);
+  levels.push_back(std::move(level));
+}
+
+template <class T>
+std::unique_ptr<ConvolutionPartitionedNonuniform<T>> ConvolutionPartitionedNonuniform<T>::twin()
+    const {
+  auto other = std::make_unique<ConvolutionPartitionedNonuniform>();
+  other->block_size = block_size;
+  other->fir_size = fir_size;
+  other->x_ring_size = x_ring_size;
+  other->x_ring = AlignedVector<T>(x_ring.size());
+  for (const auto& level : levels) other->add_level(std::make_unique<FDL>(*level));
+  other->level_count = level_count;
+  other->y_ring_size = y_ring_size;
+  other->y_ring = AlignedVector<T>(y_ring.size());
+  return other;
 }
 
 // All levels keep step, so one of the same block had this level's input a fixed number of blocks
@@ -108,11 +141,39 @@ void ConvolutionPartitionedNonuniform<T>::find_source(FDL& level) const {
 
 template <class T>
 void ConvolutionPartitionedNonuniform<T>::process(const AlignedVector<T>& x, AlignedVector<T>& y) {
+  begin(x);
+  for (auto& level : levels) accumulate(*level);
+  end(y);
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::process_pair(ConvolutionPartitionedNonuniform& left,
+                                                       ConvolutionPartitionedNonuniform& right,
+                                                       const AlignedVector<T>& x_left,
+                                                       AlignedVector<T>& y_left,
+                                                       const AlignedVector<T>& x_right,
+                                                       AlignedVector<T>& y_right) {
+  left.begin(x_left);
+  right.begin(x_right);
+  for (std::size_t i = 0; i < left.levels.size(); ++i) {
+    accumulate_pair(*left.levels[i], *right.levels[i]);
+  }
+  left.end(y_left);
+  right.end(y_right);
+}
+
+// Takes a block in, and the input of each level whose turn it is.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::begin(const AlignedVector<T>& x) {
   std::copy_n(x.data(), block_size, x_ring.data() + x_position);
   for (auto& level : levels) {
     if (level->phase == 0) capture(*level);
   }
-  for (auto& level : levels) accumulate(*level);
+}
+
+// Brings out the output of each level that is done, and one block of their sum.
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::end(AlignedVector<T>& y) {
   for (auto& level : levels) {
     if (level->phase == level->phase_count) finish(*level);
   }
@@ -134,16 +195,35 @@ void ConvolutionPartitionedNonuniform<T>::capture(FDL& level) {
   level.write_position = (y_position + level.delay) % y_ring_size;
 }
 
-// Does one call's share of the level's multiply-adds; the last share takes the remaining bins.
+// One call's share of the level's bins; the last share takes the remaining ones.
 template <class T>
-void ConvolutionPartitionedNonuniform<T>::accumulate(FDL& level) {
+typename ConvolutionPartitionedNonuniform<T>::BinRange ConvolutionPartitionedNonuniform<T>::share(
+    const FDL& level) {
   const auto chunk = static_cast<int>(
       std::floor(static_cast<float>(level.M_p_half) / static_cast<float>(level.phase_count)));
   const int first = level.phase * chunk;
   const bool is_last = level.phase == level.phase_count - 1;
-  const int count = is_last ? level.M_p_half - first : chunk;
-  level.conv->process_bins(first, count);
+  return {first, is_last ? level.M_p_half - first : chunk};
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::accumulate(FDL& level) {
+  const BinRange bins = share(level);
+  level.conv->process_bins(bins.first, bins.count);
   level.phase += 1;
+}
+
+template <class T>
+void ConvolutionPartitionedNonuniform<T>::accumulate_pair(FDL& a, FDL& b) {
+  if (a.phase != b.phase) {
+    accumulate(a);
+    accumulate(b);
+    return;
+  }
+  const BinRange bins = share(a);
+  ConvolutionPartitioned<T>::process_bins_of_pair(*a.conv, *b.conv, bins.first, bins.count);
+  a.phase += 1;
+  b.phase += 1;
 }
 
 // Transforms the level's finished block back and lays it where its time will come.

@@ -27,11 +27,21 @@ class ConvolutionPartitionedNonuniform {
   ConvolutionPartitionedNonuniform(const ConvolutionPartitionedNonuniform&) = delete;
   ConvolutionPartitionedNonuniform& operator=(const ConvolutionPartitionedNonuniform&) = delete;
 
+  // A silent convolver of the same response: both hold one copy of its spectra.
+  std::unique_ptr<ConvolutionPartitionedNonuniform> twin() const;
+
   // Builds levels and rings. A new response takes a new object: only the constructor calls this.
   void update(int block_size, const AlignedVector<T>& h, int max_fft_pow);
 
   // Reads block_size samples from x and writes as many to y; both may be the same array.
   void process(const AlignedVector<T>& x, AlignedVector<T>& y);
+
+  // process of a convolver and its twin, each with its own signal, bit for bit. Reads each spectrum
+  // of the response once for both when they have had the same number of calls.
+  static void process_pair(ConvolutionPartitionedNonuniform& left,
+                           ConvolutionPartitionedNonuniform& right, const AlignedVector<T>& x_left,
+                           AlignedVector<T>& y_left, const AlignedVector<T>& x_right,
+                           AlignedVector<T>& y_right);
 
   // Forgets the signal; the response stays, and the levels keep step.
   void flush();
@@ -41,6 +51,7 @@ class ConvolutionPartitionedNonuniform {
   struct FDL {
     FDL() = default;
     FDL(int block, const AlignedVector<T>& h, int delay, int N);
+    explicit FDL(const FDL& model);  // silent, of the same response
     void flush();
 
     std::unique_ptr<ConvolutionPartitioned<T>> conv;
@@ -58,10 +69,19 @@ class ConvolutionPartitionedNonuniform {
     int source_age = 0;           // this many of its blocks ago
   };
 
+  struct BinRange {
+    int first, count;
+  };
+
   void add_level(int block, int tap_count, const AlignedVector<T>& h, int first_tap);
+  void add_level(std::unique_ptr<FDL> level);
   void find_source(FDL& level) const;
   void capture(FDL& level);
+  void begin(const AlignedVector<T>& x);
+  static BinRange share(const FDL& level);
   static void accumulate(FDL& level);
+  static void accumulate_pair(FDL& a, FDL& b);
+  void end(AlignedVector<T>& y);
   void finish(FDL& level);
 
   int block_size = 0;   // samples per call

@@ -12,10 +12,12 @@ namespace {
 
 constexpr int kStrictBins = 4;  // a range's last bins, count modulo this, are strict products
 
-SpectrumKernel chosen_kernel() {
+constexpr std::size_t kMaxChannels = 2;
+
+SpectrumKernel kernel_for(std::size_t channels) {
   const std::atomic_ref index(ippJumpIndexForMergedLibs);
   if (index.load(std::memory_order_relaxed) < 0) ippInit();
-  return spectrum_kernels[index.load(std::memory_order_relaxed)];
+  return spectrum_kernels[index.load(std::memory_order_relaxed)][channels - 1];
 }
 
 float* floats(complex* x) { return reinterpret_cast<float*>(x); }
@@ -56,39 +58,51 @@ void SpectrumBlocks::clear() { std::fill(values.begin(), values.end(), 0.0F); }
 
 namespace {
 
-// The sum for one range of bins, whole blocks first.
+// The sum over one range of bins, by whole blocks and parts of blocks.
 struct RangeSum {
-  complex* y;
-  const SpectrumBlocks& x;
+  std::span<const SpectrumChannel> channels;
   int head;
   const SpectrumBlocks& h;
 
-  void whole_blocks(int block, int count, complex* out) const {
-    chosen_kernel()(floats(out), x.block(block), h.block(block), count, h.rows(), head);
+  void whole_blocks(int block, int count, float* const* y) const {
+    const float* x[kMaxChannels];
+    for (std::size_t c = 0; c < channels.size(); ++c) x[c] = channels[c].x->block(block);
+    kernel_for(channels.size())(y, x, h.block(block), count, h.rows(), head);
   }
 
-  // A range within one block, by a copy of the bins in it.
+  void whole_blocks(int block, int count) const {
+    float* y[kMaxChannels];
+    for (std::size_t c = 0; c < channels.size(); ++c)
+      y[c] = floats(channels[c].y + block * kBinBlock);
+    whole_blocks(block, count, y);
+  }
+
+  // A range within one block, in a copy of its bins.
   void part_of_block(int first, int count) const {
-    alignas(64) complex sums[kBinBlock] = {};
-    const int block = first / kBinBlock;
-    complex* const inside = sums + first % kBinBlock;
-    std::copy_n(y + first, count, inside);
-    whole_blocks(block, 1, sums);
-    std::copy_n(inside, count, y + first);
+    alignas(64) complex copy[kMaxChannels][kBinBlock] = {};
+    float* const y[kMaxChannels] = {floats(copy[0]), floats(copy[1])};
+    const int inside = first % kBinBlock;
+    for (std::size_t c = 0; c < channels.size(); ++c)
+      std::copy_n(channels[c].y + first, count, copy[c] + inside);
+    whole_blocks(first / kBinBlock, 1, y);
+    for (std::size_t c = 0; c < channels.size(); ++c)
+      std::copy_n(copy[c] + inside, count, channels[c].y + first);
   }
 
   void plain(int first, int end) const {
-    const int whole = std::min((first + kBinBlock - 1) / kBinBlock * kBinBlock, end);
+    const int whole = std::min(blocks_of(first) * kBinBlock, end);
+    const int rest = std::max(end / kBinBlock * kBinBlock, whole);
     if (first < whole) part_of_block(first, whole - first);
-    const int rest = end / kBinBlock * kBinBlock;
-    if (whole < rest) whole_blocks(whole / kBinBlock, (rest - whole) / kBinBlock, y + whole);
-    if (const int part = std::max(whole, rest); part < end) part_of_block(part, end - part);
+    if (whole < rest) whole_blocks(whole / kBinBlock, (rest - whole) / kBinBlock);
+    if (rest < end) part_of_block(rest, end - rest);
   }
 
-  void strict(int bin) const {
+  // One bin of one channel, whose sum so far is y.
+  complex strict(complex y, const SpectrumBlocks& x, int bin) const {
     for (int p = 0; p < h.rows(); ++p) {
-      y[bin] += complex_product::strict(x.at((head + p) % h.rows(), bin), h.at(p, bin));
+      y += complex_product::strict(x.at((head + p) % h.rows(), bin), h.at(p, bin));
     }
+    return y;
   }
 };
 
@@ -96,16 +110,18 @@ struct RangeSum {
 
 // Strict products differ from plain ones only where both parts of a plain one are NaN. The sum is
 // then NaN too, so that the few strict bins need a second look only in this case.
-void add_products(complex* y, const SpectrumBlocks& x, int head, const SpectrumBlocks& h, int first,
-                  int count) {
-  const RangeSum sum{y, x, head, h};
+void add_products(std::span<const SpectrumChannel> channels, int head, const SpectrumBlocks& h,
+                  int first, int count) {
+  const RangeSum sum{channels, head, h};
   const int end = first + count, tail = end - count % kStrictBins;
-  complex before[kStrictBins];
-  std::copy(y + tail, y + end, before);
+  complex before[kMaxChannels][kStrictBins];
+  for (std::size_t c = 0; c < channels.size(); ++c)
+    std::copy(channels[c].y + tail, channels[c].y + end, before[c]);
   sum.plain(first, end);
-  for (int bin = tail; bin < end; ++bin) {
-    if (!is_nan(y[bin])) continue;
-    y[bin] = before[bin - tail];
-    sum.strict(bin);
+  for (std::size_t c = 0; c < channels.size(); ++c) {
+    for (int bin = tail; bin < end; ++bin) {
+      complex& y = channels[c].y[bin];
+      if (is_nan(y)) y = sum.strict(before[c][bin - tail], *channels[c].x, bin);
+    }
   }
 }

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "numeric/AlignedVector.h"
 
-constexpr int kBinBlock = 16;  // bins of a block: two cache lines of a spectrum
+constexpr int kBinBlock = 16;             // bins of a block
+constexpr int kBlockRow = 2 * kBinBlock;  // floats of a block in one row: two cache lines
 
 // A table of spectra, one a row, all of the same number of bins. A block of bins lies together for
 // all rows, so that a run of bins is read through all rows as one stream of memory:
@@ -36,17 +38,25 @@ class SpectrumBlocks {
   AlignedVector<float> values;
 };
 
-// One form of the sum: for `blocks` blocks of 16 bins at y, interleaved, and from x and h on,
-//   y[b] += x[(head + p) mod rows][b] * h[p][b]   for p = 0, 1, ..., rows - 1 in this order,
-// by the plain formula of the complex product, each operation rounded. Blocks of x and of h are
-// `rows` rows apart. All forms give the same bits.
-using SpectrumKernel = void (*)(float* y, const float* x, const float* h, int blocks, int rows,
-                                int head);
-// By the jump index of the transform engine; several indices share a form.
-extern const SpectrumKernel spectrum_kernels[];
+// One form of the sum: for each channel, for `blocks` blocks of 16 bins of y, interleaved, and of x
+// and h, by the plain formula of the complex product, each operation rounded:
+//   y[b] += x[(head + p) mod rows][b] * h[p][b]   for p = 0, 1, ..., rows - 1 in this order.
+// Blocks of x and of h are `rows` rows apart.
+using SpectrumKernel = void (*)(float* const* y, const float* const* x, const float* h, int blocks,
+                                int rows, int head);
+// The forms for one and for two channels, by the jump index of the transform engine. Several
+// indices share a form, and all forms give the same bits.
+extern const SpectrumKernel spectrum_kernels[][2];
 
-// Adds to the bins first to first + count - 1 of y the products of x and h, whose rows x begins at
-// `head`: bit-identical to one cpx_mult_inplace_add_fastest over that range for each p in ascending
-// order, strict products in the last count mod 4 bins included.
-void add_products(complex* y, const SpectrumBlocks& x, int head, const SpectrumBlocks& h, int first,
-                  int count);
+// A channel of the sum: the spectrum that is added to, and the table of those that are multiplied.
+struct SpectrumChannel {
+  complex* y;
+  const SpectrumBlocks* x;
+};
+
+// Adds to bins first to first + count - 1 of one or two channels the products of x and h. Row
+// `head` of each x meets row 0 of h. Bit-identical to one cpx_mult_inplace_add_fastest per channel
+// over that range for each row of h in ascending order, which takes the last count mod 4 bins by
+// the strict product. Allocates nothing.
+void add_products(std::span<const SpectrumChannel> channels, int head, const SpectrumBlocks& h,
+                  int first, int count);

@@ -1,8 +1,5 @@
 // The only form of the sum of products of builds without vector instructions.
+#include "numeric/Float4.h"
 #include "numeric/SpectrumKernel.h"
 
-#include "numeric/Float4.h"
-
-constexpr SpectrumKernel kScalar = sum_products<Float4>;
-
-const SpectrumKernel spectrum_kernels[] = {kScalar, kScalar, kScalar, kScalar, kScalar};
+const SpectrumKernel spectrum_kernels[][2] = {{sum_products<Float4, 1>, sum_products<Float4, 2>}};

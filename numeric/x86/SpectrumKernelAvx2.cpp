@@ -4,6 +4,12 @@
 #include "numeric/SpectrumKernel.h"
 #include "numeric/x86/Float8.h"
 
-void sum_products_avx2(float* y, const float* x, const float* h, int blocks, int rows, int head) {
-  sum_products<Float8>(y, x, h, blocks, rows, head);
+void sum_products_avx2(float* const* y, const float* const* x, const float* h, int blocks, int rows,
+                       int head) {
+  sum_products<Float8, 1>(y, x, h, blocks, rows, head);
+}
+
+void sum_products_pair_avx2(float* const* y, const float* const* x, const float* h, int blocks,
+                            int rows, int head) {
+  sum_products<Float8, 2>(y, x, h, blocks, rows, head);
 }

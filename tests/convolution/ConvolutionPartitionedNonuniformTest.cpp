@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -31,6 +32,7 @@ namespace {
 using Probe = ConvolutionScheduleProbe;
 using Convolver = Probe::Convolver;
 using Level = Probe::Level;
+using reference::same_bits;
 
 TEST(ConvolutionPartitionedNonuniform, LaysOutLevelsAndRings) {
   const std::vector<Level> long_response = {{256, 0, 2, 1},     {256, 256, 2, 1},
@@ -105,6 +107,98 @@ TEST(ConvolutionPartitionedNonuniform, PutsEveryTapAtItsPlace) {
       EXPECT_LT(std::max(-*low, *high), 1e-6) << "tap " << tap << ", power " << max_fft_pow;
     }
   }
+}
+
+// The output of the schedule done step by step: each level transforms its own input and goes
+// through its partitions one after the other.
+AlignedVector<float> stepwise(const std::vector<Level>& levels, int N,
+                              const AlignedVector<float>& h, const AlignedVector<float>& x) {
+  std::vector<ConvolutionPartitioned<float>> engines(levels.size());
+  std::vector<AlignedVector<float>> blocks;
+  AlignedVector<float> y(x.size());
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    const auto [block, delay, partitions, calls] = levels[i];
+    AlignedVector<float> taps(h.begin() + std::min<std::ptrdiff_t>(2 * delay, std::ssize(h)),
+                              h.end());
+    taps.resize(static_cast<std::size_t>(partitions * block));
+    engines[i].update(block, taps);
+    blocks.emplace_back(static_cast<std::size_t>(block));
+    y.resize(std::max(y.size(), x.size() + static_cast<std::size_t>(2 * block + delay)));
+  }
+  for (int call = 0; call < std::ssize(x) / N; ++call) {
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      const auto [block, delay, partitions, calls] = levels[i];
+      const int phase = call % calls, start = (call - phase) * N;
+      if (phase == 0) {
+        for (int k = 0; k < block; ++k) {
+          const int at = start - delay + k;
+          blocks[i][static_cast<std::size_t>(k)] = at < 0 ? 0.0F : x[static_cast<std::size_t>(at)];
+        }
+        engines[i].process_X(blocks[i]);
+      }
+      const int bins = engines[i].get_M_p_half(), share = bins / calls, first = phase * share;
+      const int count = phase == calls - 1 ? bins - first : share;
+      for (int p = 0; p < partitions; ++p) engines[i].process_partition(p, first, count);
+      if (phase < calls - 1) continue;
+      engines[i].process_Y(blocks[i]);
+      for (int k = 0; k < block; ++k) {
+        y[static_cast<std::size_t>(start + delay + k)] += blocks[i][static_cast<std::size_t>(k)];
+      }
+    }
+  }
+  y.resize(x.size());
+  return y;
+}
+
+// Feeds both channels to a pair of convolvers.
+void stream_pair(Convolver& left, Convolver& right, int N, AlignedVector<float>& x_left,
+                 AlignedVector<float>& x_right) {
+  AlignedVector<float> a(static_cast<std::size_t>(N)), b(a);
+  const AllocationGuard heap;
+  for (std::ptrdiff_t i = 0; i + N <= std::ssize(x_left); i += N) {
+    std::copy_n(x_left.begin() + i, N, a.begin());
+    std::copy_n(x_right.begin() + i, N, b.begin());
+    Convolver::process_pair(left, right, a, a, b, b);
+    std::copy_n(a.begin(), N, x_left.begin() + i);
+    std::copy_n(b.begin(), N, x_right.begin() + i);
+  }
+  EXPECT_EQ(heap.allocations() + heap.frees(), 0);
+}
+
+TEST(ConvolutionPartitionedNonuniform, GivesTheBitsOfItsStepsAloneAndAsAPair) {
+  const std::array<int, 3> block_taps_power[] = {{1, 40, 3},    {7, 500, -1},  {16, 640, -1},
+                                                 {16, 3000, 0}, {64, 9000, 4}, {100, 4700, 2}};
+  for (const auto& [N, M, power] : block_taps_power) {
+    SCOPED_TRACE(testing::Message() << "block " << N << ", taps " << M << ", power " << power);
+    const auto h = random_signal(M, 9);
+    auto x = random_signal((M / N + 40) * N, 10), other = random_signal((M / N + 40) * N, 11);
+    Convolver alone(N, h, power), left(N, h, power);
+    const auto right = left.twin();
+    const auto expected = stepwise(Probe::levels(alone), N, h, x);
+    const auto expected_other = stepwise(Probe::levels(alone), N, h, other);
+    EXPECT_TRUE(same_bits(stream(alone, N, x), expected));
+    stream_pair(left, *right, N, x, other);
+    EXPECT_TRUE(same_bits(x, expected));
+    EXPECT_TRUE(same_bits(other, expected_other));
+  }
+}
+
+TEST(ConvolutionPartitionedNonuniform, ATwinGoesItsOwnWay) {
+  const int N = 32;
+  const auto h = random_signal(5000, 12);
+  const auto x = random_signal(100 * N, 13), solo = random_signal(3 * N, 14);
+  Convolver expected(N, h, 4), expected_after_solo(N, h, 4);
+  auto left = std::make_unique<Convolver>(N, h, 4);
+  const auto right = left->twin();
+  EXPECT_EQ(stream(*left, N, solo), stream(expected_after_solo, N, solo));  // out of step from here
+  AlignedVector<float> a = x, b = x;
+  stream_pair(*left, *right, N, a, b);
+  EXPECT_TRUE(same_bits(a, stream(expected_after_solo, N, x)));
+  EXPECT_TRUE(same_bits(b, stream(expected, N, x)));
+  left.reset();
+  right->flush();
+  expected.flush();
+  EXPECT_TRUE(same_bits(stream(*right, N, x), stream(expected, N, x)));
 }
 
 TEST(ConvolutionPartitionedNonuniform, HoldsAfterAFlushOnlyWhatNewInputMakes) {

@@ -63,28 +63,39 @@ struct Case {
   int rows, bins, special;
 };
 
+Spectra spectra(Random& random, const Case& c) {
+  Spectra all;
+  for (int p = 0; p < c.rows; ++p) all.push_back(spectrum(random, c.bins, c.special));
+  return all;
+}
+
 void compare(const Case& c, Random& random) {
-  Spectra x, h;
-  for (int p = 0; p < c.rows; ++p) {
-    x.push_back(spectrum(random, c.bins, c.special));
-    h.push_back(spectrum(random, c.bins, c.special));
-  }
-  const SpectrumBlocks x_blocks = blocks_of(x), h_blocks = blocks_of(h);
+  const Spectra x[] = {spectra(random, c), spectra(random, c)}, h = spectra(random, c);
+  const SpectrumBlocks x_blocks[] = {blocks_of(x[0]), blocks_of(x[1])}, h_blocks = blocks_of(h);
   for (int trial = 0; trial < 20; ++trial) {
     const int head = random.integer(0, c.rows - 1), first = random.integer(0, c.bins - 1);
     const int count = trial == 0 ? c.bins - first : random.integer(0, c.bins - first);
-    AlignedVector<complex> expected = spectrum(random, c.bins, c.special), y = expected;
-    for (int p = 0; p < c.rows; ++p) {
-      VectorizedFunctions<float>::cpx_mult_inplace_add_fastest(
-          expected.data() + first, x[static_cast<std::size_t>((head + p) % c.rows)].data() + first,
-          h[static_cast<std::size_t>(p)].data() + first, count);
+    AlignedVector<complex> expected[2], sum[2], lone;
+    for (std::size_t channel = 0; channel < 2; ++channel) {
+      AlignedVector<complex>& y = expected[channel];
+      sum[channel] = lone = y = spectrum(random, c.bins, c.special);
+      for (int p = 0; p < c.rows; ++p) {
+        const auto row = static_cast<std::size_t>((head + p) % c.rows);
+        VectorizedFunctions<float>::cpx_mult_inplace_add_fastest(
+            y.data() + first, x[channel][row].data() + first,
+            h[static_cast<std::size_t>(p)].data() + first, count);
+      }
     }
+    const SpectrumChannel pair[] = {{sum[0].data(), &x_blocks[0]}, {sum[1].data(), &x_blocks[1]}};
+    const SpectrumChannel single[] = {{lone.data(), &x_blocks[1]}};
     const AllocationGuard guard;
-    add_products(y.data(), x_blocks, head, h_blocks, first, count);
+    add_products(pair, head, h_blocks, first, count);
+    add_products(single, head, h_blocks, first, count);
     EXPECT_EQ(guard.allocations(), 0);
-    unify_nans(expected);
-    unify_nans(y);
-    ASSERT_TRUE(reference::same_bits(floats(y), floats(expected)))
+    for (auto* y : {&expected[0], &expected[1], &sum[0], &sum[1], &lone}) unify_nans(*y);
+    ASSERT_TRUE(reference::same_bits(floats(sum[0]), floats(expected[0])) &&
+                reference::same_bits(floats(sum[1]), floats(expected[1])) &&
+                reference::same_bits(floats(lone), floats(expected[1])))
         << c.rows << " rows, " << c.bins << " bins, head " << head << ", bins " << first << " to "
         << first + count - 1 << ", special " << c.special;
   }
