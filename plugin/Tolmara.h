@@ -107,7 +107,7 @@ class Tolmara : public IPlugVST {
   float LeftGain() const;   // dB
   float RightGain() const;  // dB
   void ProcessWet();
-  void Convolve(size_t channel, const AlignedVector<float>& in, AlignedVector<float>& out);
+  void Convolve();
 
   // Audio thread, with the lock held, at the start of every block: starts a render or swaps a
   // finished one in.
@@ -127,13 +127,11 @@ class Tolmara : public IPlugVST {
   void StoreWorkerState(WorkerState state);
 
   ChannelRing mRingLeft, mRingRight;
-  AlignedVector<float> mBlockIn;
-  AlignedVector<float> mBlockDryLeft, mBlockDryRight;
-  AlignedVector<float> mBlockConv;
-  AlignedVector<float> mBlockWetLeft, mBlockWetRight;
-  std::unique_ptr<FIROrtho<float>> mFIR;  // kept between renders in "Fast" mode
-  int mSampleRate = 0;                    // Hz; what everything is built for
-  int mBlockSize = 0;                     // samples of one internal block
+  AlignedVector<float> mBlockDryLeft, mBlockDryRight;  // as they came in
+  AlignedVector<float> mBlockWetLeft, mBlockWetRight;  // convolved, then through each stage
+  std::unique_ptr<FIROrtho<float>> mFIR;               // kept between renders in "Fast" mode
+  int mSampleRate = 0;                                 // Hz; what everything is built for
+  int mBlockSize = 0;                                  // samples of one internal block
   int mMaxFFTPow = 0;
   int mTimeDelay = 0;  // ms
   float mTimeT0Percent = 0.0f;

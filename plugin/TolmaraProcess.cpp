@@ -39,7 +39,7 @@ void Tolmara::AllocateBuffers(int blockSize) {
   mRingLeft.Allocate(blockSize);
   mRingRight.Allocate(blockSize);
   for (AlignedVector<float>* block :
-       {&mBlockIn, &mBlockDryLeft, &mBlockDryRight, &mBlockConv, &mBlockWetLeft, &mBlockWetRight}) {
+       {&mBlockDryLeft, &mBlockDryRight, &mBlockWetLeft, &mBlockWetRight}) {
     block->assign(static_cast<size_t>(blockSize), 0.0f);
   }
 }
@@ -84,7 +84,7 @@ void Tolmara::Reset() {
     }
   }
   for (AlignedVector<float>* block :
-       {&mBlockIn, &mBlockDryLeft, &mBlockDryRight, &mBlockConv, &mBlockWetLeft, &mBlockWetRight}) {
+       {&mBlockDryLeft, &mBlockDryRight, &mBlockWetLeft, &mBlockWetRight}) {
     Zero(*block);
   }
 }
@@ -97,16 +97,11 @@ void Tolmara::ProcessDoubleReplacing(double** inputs, double** outputs, int nFra
   mRingRight.WriteInput(inputs[1], nFrames);
   const bool hasBlock = mRingLeft.HasBlock(nFrames);  // both rings move in lockstep
   if (hasBlock) {
-    mRingLeft.TakeBlock(mBlockIn.data());
-    Convolve(0, mBlockIn, mBlockConv);
-    mPanner->process_left(LeftDelay(), LeftGain(), mBlockConv, mBlockWetLeft);
-    std::copy(mBlockIn.begin(), mBlockIn.end(), mBlockDryLeft.begin());
-
-    mRingRight.TakeBlock(mBlockIn.data());
-    Convolve(1, mBlockIn, mBlockConv);
-    mPanner->process_right(RightDelay(), RightGain(), mBlockConv, mBlockWetRight);
-    std::copy(mBlockIn.begin(), mBlockIn.end(), mBlockDryRight.begin());
-
+    mRingLeft.TakeBlock(mBlockDryLeft.data());
+    mRingRight.TakeBlock(mBlockDryRight.data());
+    Convolve();
+    mPanner->process_left(LeftDelay(), LeftGain(), mBlockWetLeft, mBlockWetLeft);
+    mPanner->process_right(RightDelay(), RightGain(), mBlockWetRight, mBlockWetRight);
     ProcessWet();
     mRingLeft.PutBlock(mBlockWetLeft.data());
     mRingRight.PutBlock(mBlockWetRight.data());
@@ -115,11 +110,13 @@ void Tolmara::ProcessDoubleReplacing(double** inputs, double** outputs, int nFra
   mRingRight.ReadOutput(outputs[1], nFrames);
 }
 
-void Tolmara::Convolve(size_t channel, const AlignedVector<float>& in, AlignedVector<float>& out) {
-  if (channel < mConvActive.size() && mConvActive[channel]) {
-    mConvActive[channel]->process(in, out);
+void Tolmara::Convolve() {
+  if (mConvActive.size() == 2 && mConvActive[0]) {
+    Convolver::process_pair(*mConvActive[0], *mConvActive[1], mBlockDryLeft, mBlockWetLeft,
+                            mBlockDryRight, mBlockWetRight);
   } else {
-    std::copy(in.begin(), in.end(), out.begin());
+    std::copy(mBlockDryLeft.begin(), mBlockDryLeft.end(), mBlockWetLeft.begin());
+    std::copy(mBlockDryRight.begin(), mBlockDryRight.end(), mBlockWetRight.begin());
   }
 }
 

@@ -94,9 +94,8 @@ Tolmara::ConvolverSet Tolmara::BuildConvolvers(const RenderSettings& settings) {
   AlignedVector<float> h = Response(settings);
   if (!h.empty()) {
     const int power = PartitionPower(settings.maxFFTPow, settings.blockSize);
-    for (auto& convolver : convolvers) {
-      convolver = std::make_unique<Convolver>(settings.blockSize, h, power);
-    }
+    convolvers[0] = std::make_unique<Convolver>(settings.blockSize, h, power);
+    convolvers[1] = convolvers[0]->twin();
   } else {
     h.assign(1, 1.0f);
   }
