@@ -2,11 +2,13 @@
 #include "dsp/FIROrtho.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cmath>
 #include <string>
 
 #include "dsp/FIRFunctions.h"
+#include "dsp/RenderKernels.h"
 #include "dsp/SignGenerator.h"
 #include "numeric/Convert.h"
 
@@ -18,6 +20,7 @@ constexpr float kMaxWeight = 0.99f;       // no axis is ever lossless
 constexpr int kMaxSamples = 1 << 24;      // bounds a response whose settings are out of all range
 constexpr std::uint32_t kSignSeed = 345;
 constexpr float kTrimThreshold = 1e-6f;  // -120 dB
+constexpr int kBlock = 256;              // samples mapped at a time
 
 // Stores value and tells whether that is a change; what is not a number always is one.
 template <class V>
@@ -26,6 +29,17 @@ bool replace(V& stored, V value) {
   stored = value;
   return changed;
 }
+
+// The first cell of the table at or beyond a distance, up to the last one; 0 for NaN.
+int cell_within(float r, int last) {
+  const float square = r * r;
+  if (square >= static_cast<float>(last)) return last;
+  const int below = saturate_to_int(square);
+  return below + (square > static_cast<float>(below) ? 1 : 0);
+}
+
+// Of the distance, in what the amplitude is divided by.
+float attenuation_exponent(int D, float g) { return static_cast<float>(D - 1) * 0.5f * g; }
 
 }  // namespace
 
@@ -120,24 +134,47 @@ void FIROrtho<T>::map_time() {
 }
 
 template <class T>
+void FIROrtho<T>::map_distances(int first, T* r, int n) const {
+  const double scale = dist_per_sample;
+  render_kernels().distances({norm_p, norm_N, scale}, first + 1.0, r, n);
+  for (int i = 0; i < n; ++i) {
+    if (!std::isnan(r[i])) continue;
+    // Double precision throughout: N to the power p reaches 10^119.
+    const double samples = p_norm_sampling_double(norm_p, norm_N, norm_N_pow_p, first + i + 1.0);
+    r[i] = static_cast<float>(scale * samples);
+  }
+}
+
+template <class T>
+void FIROrtho<T>::map_divisors(const T* r, float g, T* divisors, int n) const {
+  render_kernels().divisors(r, attenuation_exponent(num_dims, g), divisors, n);
+  for (int i = 0; i < n; ++i) {
+    if (std::isnan(divisors[i])) divisors[i] = attenuation_divisor_at_dist(r[i], num_dims, g);
+  }
+}
+
+template <class T>
 void FIROrtho<T>::update_FIR_time_props() {
   map_time();
   FIR_time.assign(static_cast<std::size_t>(num_samples), T(0));
   const auto g = static_cast<float>(std::exp(static_cast<double>(time_attenuation)));
-  const int last_cell = radius * radius;
+  const T* const table = volume.C.back().data();
   SignGenerator signs(kSignSeed);
-  double t = 0.0;
   T previous = 0;
-  for (T& sample : FIR_time) {
-    t += 1.0;
-    // Double precision throughout: N to the power p reaches 10^119.
-    const auto r = static_cast<float>(static_cast<double>(dist_per_sample) *
-                                      p_norm_sampling_double(norm_p, norm_N, norm_N_pow_p, t));
-    const int cell = std::min(saturate_to_int(std::ceil(r * r)), last_cell);
-    const T count = volume.getC(num_dims - 1, cell);
-    sample = (count - previous) / attenuation_divisor_at_dist(r, num_dims, g);
-    if (signs.next() % 2 == 0) sample = -sample;
-    previous = count;
+  for (int first = 0; first < num_samples; first += kBlock) {
+    const int n = std::min(kBlock, num_samples - first);
+    T r[kBlock], divisors[kBlock], counts[kBlock];
+    map_distances(first, r, n);
+    map_divisors(r, g, divisors, n);
+    // A loop of its own, so that the processor fetches many far cells at a time.
+    for (int i = 0; i < n; ++i) counts[i] = table[cell_within(r[i], volume.S2)];
+    T* const samples = FIR_time.data() + first;
+    for (int i = 0; i < n; ++i) {
+      const auto sample = std::bit_cast<std::uint32_t>((counts[i] - previous) / divisors[i]);
+      // An even value flips the sign. A branch on it would be foreseen half of the time.
+      samples[i] = std::bit_cast<T>(sample ^ ~signs.next() << 31);
+      previous = counts[i];
+    }
   }
   FIR = FIR_time;
 }
@@ -199,7 +236,7 @@ float FIROrtho<T>::dB_to_radius_attenuation(float dB, int /*D*/, float g) const 
 
 template <class T>
 float FIROrtho<T>::attenuation_divisor_at_dist(float dist, int D, float g) const {
-  const float exponent = static_cast<float>(D - 1) * 0.5f * g;
+  const float exponent = attenuation_exponent(D, g);
   // Where the time curve rounds to a distance just below 0, a power of it would be NaN. In this
   // order of arguments max keeps a NaN and both zeros as they are.
   const double from_0 = std::max(dist, 0.0f);

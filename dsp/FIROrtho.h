@@ -95,4 +95,7 @@ class FIROrtho {
 
  private:
   void map_time();
+  // Of samples first to first + n - 1: their distances, and what these divide the amplitude by.
+  void map_distances(int first, T* r, int n) const;
+  void map_divisors(const T* r, float g, T* divisors, int n) const;
 };

@@ -1,4 +1,4 @@
-// Seeding and stepping of the sign generator.
+// Seeding of the sign generator.
 #include "dsp/SignGenerator.h"
 
 namespace {
@@ -21,11 +21,4 @@ SignGenerator::SignGenerator(std::uint32_t seed) : state_{} {
     word = next_seed_word(word);
   }
   for (int i = 0; i < 10 * kDegree; ++i) next();
-}
-
-std::uint32_t SignGenerator::next() {
-  const std::uint32_t sum = state_[front_] += state_[rear_];
-  front_ = (front_ + 1) % kDegree;
-  rear_ = (rear_ + 1) % kDegree;
-  return sum >> 1;
 }

@@ -14,7 +14,12 @@ class SignGenerator {
   explicit SignGenerator(std::uint32_t seed);
 
   // The next value, 0 to 2^31 - 1.
-  std::uint32_t next();
+  std::uint32_t next() {
+    const std::uint32_t sum = state_[front_] += state_[rear_];
+    if (++front_ == kDegree) front_ = 0;
+    if (++rear_ == kDegree) rear_ = 0;
+    return sum >> 1;
+  }
 
  private:
   static constexpr int kDegree = 31;

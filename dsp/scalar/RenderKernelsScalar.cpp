@@ -1,0 +1,11 @@
+// The only variant of builds without vector instructions.
+#include "dsp/PowerKernels.h"
+#include "dsp/RenderKernels.h"
+
+namespace {
+
+constexpr RenderKernels kScalar = {distances, divisors};
+
+}  // namespace
+
+const RenderKernels* const render_kernel_variants[] = {&kScalar};
