@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <memory>
 #include <vector>
 
 #include "dsp/FIRFunctions.h"
+#include "dsp/RenderKernels.h"
 #include "numeric/VectorizedFunctions.h"
 
 namespace {
@@ -48,6 +50,20 @@ void add(float* y, const float* x, int n) {
   for (int i = 0; i < n; ++i) y[i] += x[i];
 }
 
+// The same as raise_spectrum, for an exponent that is a power of two.
+void raise(AlignedVector<complex>& X, int exponent) {
+  const AlignedVector<complex> base = X;
+  const int bins = static_cast<int>(X.size());
+  render_kernels().raise(reinterpret_cast<const float*>(base.data()),
+                         std::countr_zero(static_cast<unsigned>(exponent)),
+                         reinterpret_cast<float*>(X.data()), bins);
+  for (std::size_t k = 0; k < X.size(); ++k) {
+    if (!std::isnan(X[k].real()) && !std::isnan(X[k].imag())) continue;
+    X[k] = base[k];
+    raise_spectrum(&X[k], 1, exponent);
+  }
+}
+
 // The transform of each level and the spectrum of the filter to the power of half its length.
 // Owns both; the recursion sees them as arrays of pointers.
 struct DecayTables {
@@ -60,7 +76,7 @@ struct DecayTables {
       owned_spectra.push_back(std::make_unique<AlignedVector<complex>>(to_size(n / 2 + 1)));
       AlignedVector<complex>& spectrum = *owned_spectra.back();
       owned_ffts.back()->forward_real_2_cpx(taps, spectrum);
-      raise_spectrum(spectrum.data(), n / 2 + 1, n / 2);
+      raise(spectrum, n / 2);
       ffts.push_back(owned_ffts.back().get());
       spectra.push_back(&spectrum);
       if (n < 4) return;

@@ -57,10 +57,12 @@ inline double exp_2(double x) {
   return __builtin_bit_cast(double, __builtin_bit_cast(std::uint64_t, series) + exponent);
 }
 
-// The float that all of low to high round to.
+// The float that all of low to high round to; 0 and -0 are two.
 inline float certain(double low, double high) {
-  const auto result = static_cast<float>(low);
-  return result == static_cast<float>(high) ? result : kUncertain;
+  const auto from = static_cast<float>(low), to = static_cast<float>(high);
+  const bool same =
+      __builtin_bit_cast(std::uint32_t, from) == __builtin_bit_cast(std::uint32_t, to);
+  return same ? from : kUncertain;
 }
 
 // With u = t / N the distance is N (1 - w) samples, w = (1 - u^p)^(1/p). Of what the literal
@@ -94,6 +96,63 @@ void divisors(const float* r, double exponent, float* y, int n) {
     const double power = exp_2(exponent * log_2(static_cast<double>(r[i])));
     const float divisor = certain(power * (1.0 - kError) + 1.0, power * (1.0 + kError) + 1.0);
     y[i] = inside ? divisor : kUncertain;
+  }
+}
+
+// Complex values that are squared together.
+struct Squares {
+  static constexpr int kCount = 64;
+  double re[kCount], im[kCount];
+  double unit[kCount];  // what 1 stands for: 1, or less than any float once the value is that small
+};
+
+// A value that has become smaller than any float is scaled up, so that its sign is not lost. Scaled
+// values stay below 1, and above the threshold, whose square times the scale is the threshold.
+inline void square(Squares& z) {
+  constexpr double kBelowFloats = 0x1p-160;
+  for (int i = 0; i < Squares::kCount; ++i) {
+    const double re2 = z.re[i] * z.re[i], im2 = z.im[i] * z.im[i];
+    const bool small = re2 + im2 < kBelowFloats;
+    const double up = small ? 1.0 / kBelowFloats : 1.0;
+    z.im[i] = 2.0 * z.re[i] * z.im[i] * up;
+    z.re[i] = (re2 - im2) * up;
+    z.unit[i] = small ? 0x1p-400 : z.unit[i];
+  }
+}
+
+// Rounds what has been squared, whose relative error is given, and keeps it where z is in range.
+inline void round(const Squares& s, double error, const float* z, float* y, int n) {
+  float re[Squares::kCount], im[Squares::kCount];
+  for (int i = 0; i < Squares::kCount; ++i) {
+    const double x = s.re[i] * s.unit[i], t = s.im[i] * s.unit[i];
+    const double far = error * (__builtin_fabs(x) + __builtin_fabs(t));
+    const double far_im = t == 0.0 ? 0.0 : far;  // a real value stays one
+    re[i] = certain(x - far, x + far);
+    im[i] = certain(t - far_im, t + far_im);
+  }
+  for (int i = 0; i < n; ++i) {
+    const float x = z[2 * i];
+    const bool inside = x >= 0.5F && x <= 2.0F && __builtin_fabsf(z[2 * i + 1]) <= x / 8;
+    y[2 * i] = inside ? re[i] : kUncertain;
+    y[2 * i + 1] = inside ? im[i] : kUncertain;
+  }
+}
+
+// Each squaring doubles the relative error and adds sqrt(5) units. The literal form loses 2 units
+// in the modulus and 1 in the logarithm, and less in an angle below 1/8, all multiplied by the
+// exponent, and 8 units outside.
+void raise(const float* z, int squarings, float* y, int n) {
+  const double error = (__builtin_ldexp(1.0, squarings) + 8.0) * 8 * kUnit;
+  for (int first = 0; first < n; first += Squares::kCount) {
+    const int count = n - first < Squares::kCount ? n - first : Squares::kCount;
+    Squares s = {};
+    for (int i = 0; i < count; ++i) {
+      s.re[i] = static_cast<double>(z[2 * (first + i)]);
+      s.im[i] = static_cast<double>(z[2 * (first + i) + 1]);
+      s.unit[i] = 1.0;
+    }
+    for (int k = 0; k < squarings; ++k) square(s);
+    round(s, error, z + 2 * first, y + 2 * first, count);
   }
 }
 

@@ -10,15 +10,18 @@ struct TimeCurve {
 
 // One variant. All give the same bits.
 //
-// distances and divisors replace the library's pow, and give what it would give or NaN. They
-// compute the power by their own series, bound how far the library's result and their own can lie
-// apart, and answer only if every double within the bound rounds to the same float. The bounds
-// allow the library's pow an error of 2 units in the last place.
+// distances, divisors and raise replace functions of the library, and give what these would give or
+// NaN. They compute powers in their own way, bound how far the library's result and their own can
+// lie apart, and answer only if every double within the bound rounds to the same float. The bounds
+// allow each function of the library an error of a unit in the last place and leave a margin.
 struct RenderKernels {
   // r[i] = distance of sample first + i for i below n, as a float; NaN where that is not certain.
   void (*distances)(const TimeCurve& curve, double first, float* r, int n);
   // y[i] = r[i] to the power exponent, plus 1, as a float; NaN where that is not certain.
   void (*divisors)(const float* r, double exponent, float* y, int n);
+  // y[i] = z[i] to the power 2^squarings, for n complex values, from the polar form in double
+  // precision, as floats; a part that is not certain is NaN.
+  void (*raise)(const float* z, int squarings, float* y, int n);
 };
 
 // By the jump index of the transform engine; several indices share a variant.

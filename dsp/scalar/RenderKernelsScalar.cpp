@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr RenderKernels kScalar = {distances, divisors};
+constexpr RenderKernels kScalar = {distances, divisors, raise};
 
 }  // namespace
 

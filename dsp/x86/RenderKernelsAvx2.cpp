@@ -2,4 +2,4 @@
 #include "dsp/PowerKernels.h"
 #include "dsp/x86/Variants.h"
 
-const RenderKernels kRenderKernelsAvx2 = {distances, divisors};
+const RenderKernels kRenderKernelsAvx2 = {distances, divisors, raise};

@@ -3,4 +3,4 @@
 #include "dsp/PowerKernels.h"
 #include "dsp/x86/Variants.h"
 
-const RenderKernels kRenderKernelsSse2 = {distances, divisors};
+const RenderKernels kRenderKernelsSse2 = {distances, divisors, raise};
