@@ -53,7 +53,8 @@ void GaussCircle<T>::update(int new_D, int new_S, const AlignedVector<int>& size
   S2 = S * S;
   // Old arrays go first: two tables need not fit into memory side by side.
   C = {};
-  C.assign(to_size(D), AlignedVector<T>(to_size(S2) + kSpareCells));
+  C.resize(to_size(D));
+  for (AlignedVector<T>& row : C) row.resize(to_size(S2) + kSpareCells);
   dim_sizes.assign(sizes.begin(), sizes.begin() + D);
   dim_weights.assign(weights.begin(), weights.begin() + D);
   dim_offsets.clear();
