@@ -67,6 +67,36 @@ struct Butterfly<8, V> {
   }
 };
 
+template <class V>
+struct Butterfly<16, V> {
+  // Four by four: transforms of four, turned by sixteenths, and transforms of four across them.
+  [[gnu::always_inline]] static void run(Cx<V>* x) {
+    unrolled<4>([&](auto i) { butterfly4(x[i], x[i + 4], x[i + 8], x[i + 12]); });
+    constexpr float c1 = 0.92387953251128675613F, s1 = 0.38268343236508977173F;
+    constexpr float c2 = 0.70710678118654752440F;
+    turn(x[5], c1, -s1);
+    turn(x[6], c2, -c2);
+    turn(x[7], s1, -c1);
+    turn(x[9], c2, -c2);
+    x[10] = {x[10].im, V::set1(0.0F) - x[10].re};
+    turn(x[11], -c2, -c2);
+    turn(x[13], s1, -c1);
+    turn(x[14], -c2, -c2);
+    turn(x[15], -c1, s1);
+    unrolled<4>([&](auto i) { butterfly4(x[4 * i], x[4 * i + 1], x[4 * i + 2], x[4 * i + 3]); });
+    unrolled<4>([&](auto i) {
+      unrolled<4>([&](auto j) {
+        if constexpr (j > i) std::swap(x[4 * i + j], x[4 * j + i]);
+      });
+    });
+  }
+
+ private:
+  [[gnu::always_inline]] static void turn(Cx<V>& x, float re, float im) {
+    x = x * Cx<V>{V::set1(re), V::set1(im)};
+  }
+};
+
 // An odd radix by its table: entry k is cos or sin of k of R parts of a turn.
 template <int R, class V>
 struct OddButterfly {

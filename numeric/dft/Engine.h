@@ -7,6 +7,7 @@ namespace dft {
 
 // One variant. Work memory is aligned to a line and of WorkLayout's size; nothing is checked.
 struct Engine {
+  int lanes;  // of its widest vector
   void (*forward)(const Spec& spec, const float* src, float* dst, float* work);
   void (*inverse)(const Spec& spec, const float* src, float* dst, float* work);
   // The core plan's complex transform of a planar array, in place.

@@ -3,6 +3,7 @@
 // must never merge one that a lesser processor would run.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <type_traits>
 #include <utility>
@@ -24,6 +25,11 @@ struct Cx {
   friend Cx plus_i(Cx a, Cx b) { return {a.re - b.im, a.im + b.re}; }
 };
 
+template <class V>
+Cx<V> reversed(Cx<V> x) {
+  return {x.re.reversed(), x.im.reversed()};
+}
+
 // body(0), ..., body(N - 1) with constants, so that arrays indexed by them become registers.
 template <int N, class F>
 [[gnu::always_inline]] inline void unrolled(F body) {
@@ -41,6 +47,8 @@ struct Type {
 // The vector types of one instruction set, narrow to wide.
 template <class Narrow, class... Wider>
 struct Widths {
+  static constexpr int widest = std::max({Narrow::lanes, Wider::lanes...});
+
   // Calls f with the narrowest type that covers n lanes in one vector, or else the widest.
   template <class F>
   static void cover(int n, F f) {

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "numeric/dft/Chirp.h"
+#include "numeric/dft/LaneTransform.h"
 
 namespace {
 
@@ -22,11 +23,6 @@ void for_mirrored_bins(int n, int first, F body) {
     using V = typename decltype(v)::type;
     for_vectors<V>(pairs, [&](int i) { body(v, first + i, n - first - i - V::lanes + 1); });
   });
-}
-
-template <class V>
-Cx<V> reversed(Cx<V> x) {
-  return {x.re.reversed(), x.im.reversed()};
 }
 
 template <class V>
@@ -155,9 +151,25 @@ void inverse_odd(const dft::Spec& spec, const float* src, float* dst, const Work
   for (int i = 0; i < spec.length; ++i) dst[i] = z.im[i];
 }
 
+// Calls f with the vector type that has the lanes of the plan; false for a plan without lanes.
+template <class Isa, class F>
+bool with_lanes(const dft::Spec& spec, F f) {
+  if constexpr (Isa::Kernels::widest > 1) {
+    if (spec.lanes > 0) {
+      Isa::Kernels::fit(spec.lanes, f);
+      return true;
+    }
+  }
+  return false;
+}
+
 template <class Isa>
 void forward(const dft::Spec& spec, const float* src, float* dst, float* memory) {
   const Work work(spec, memory);
+  if (with_lanes<Isa>(
+          spec, [&](auto v) { forward_lanes<typename decltype(v)::type>(spec, src, dst, work); })) {
+    return;
+  }
   spec.length % 2 == 0 ? forward_even<Isa>(spec, src, dst, work)
                        : forward_odd<Isa>(spec, src, dst, work);
 }
@@ -165,6 +177,10 @@ void forward(const dft::Spec& spec, const float* src, float* dst, float* memory)
 template <class Isa>
 void inverse(const dft::Spec& spec, const float* src, float* dst, float* memory) {
   const Work work(spec, memory);
+  if (with_lanes<Isa>(
+          spec, [&](auto v) { inverse_lanes<typename decltype(v)::type>(spec, src, dst, work); })) {
+    return;
+  }
   spec.length % 2 == 0 ? inverse_even<Isa>(spec, src, dst, work)
                        : inverse_odd<Isa>(spec, src, dst, work);
 }

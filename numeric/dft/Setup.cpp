@@ -70,12 +70,12 @@ CorePlan plan_split(std::vector<int> radices, Placement& place) {
   return core;
 }
 
-CorePlan plan_core(int length, const std::vector<int>& list, Placement& place) {
+CorePlan plan_core(int length, const std::vector<int>& list, bool batched, Placement& place) {
   CorePlan core{};
   if (length > kLongestInCache && list.size() > 1) {
     core = plan_split(list, place);
   } else {
-    core.columns = plan_passes(list, false, place);
+    core.columns = plan_passes(list, batched, place);
   }
   core.length = length;
   return core;
@@ -106,6 +106,7 @@ class Builder {
     passes(spec.core.rows);
     split();
   }
+  void lanes();
   void recombine();
   void chirp();
 
@@ -158,6 +159,33 @@ void Builder::split() {
   }
 }
 
+void Builder::lanes() {
+  const int lanes = spec.lanes, last = spec.core.length, period = 2 * last;
+  const Roots w(spec.length, init);
+  const auto scale = static_cast<double>(spec.forward_scale);
+  const std::complex<double> i(0.0, 1.0);
+  float* at = table(spec.weights);
+  for (int k = 0; k <= last; ++k, at += 4 * lanes) {
+    for (int l = 0; l < lanes; ++l) {
+      // The inverse finds bin H already turned.
+      const std::complex<double> turn = k < last ? w[std::int64_t{l} * k] : 1.0;
+      const std::complex<double> half = i * w[std::int64_t{k} * lanes];
+      put(at + l, std::size_t(lanes), 0.5 * scale * turn * (1.0 - half));
+      put(at + 2 * lanes + l, std::size_t(lanes), 0.5 * scale * turn * (1.0 + half));
+    }
+  }
+  float* rows = table(spec.middle);
+  float* columns = rows + lanes * lanes;
+  for (int l = 0; l < lanes; ++l) {
+    for (int j = 0; j < lanes / 2; ++j) {
+      const std::complex<double> turn = w[(last + std::int64_t{period} * j) * l % spec.length];
+      put(rows + lanes * l + 2 * j, 1, scale * turn);
+      columns[lanes * 2 * j + l] = static_cast<float>(2.0 * turn.real());
+      columns[lanes * (2 * j + 1) + l] = static_cast<float>(2.0 * turn.imag());
+    }
+  }
+}
+
 void Builder::recombine() {
   const Roots w(spec.length, init);
   const std::size_t row = in_lines(static_cast<std::size_t>(spec.length / 4 + 1));
@@ -188,6 +216,18 @@ void Builder::chirp() {
 
 }  // namespace
 
+// Lanes that hold whole sub-transforms: as wide as the engine has them, if there is at least one
+// vector of bins, and a kernel for each factor; else 0.
+int choose_lanes(int length) {
+  for (int lanes = engine().lanes; lanes >= 4; lanes /= 2) {
+    const int each = length / (2 * lanes);
+    if (length % (2 * lanes) != 0 || each < lanes || length / 2 > kLongestInCache) continue;
+    const std::vector<int> list = radices(each, false);
+    if (!list.empty() && std::none_of(list.begin(), list.end(), is_generic)) return lanes;
+  }
+  return 0;
+}
+
 Setup plan(int length) {
   Setup setup{};
   Spec& spec = setup.spec;
@@ -196,17 +236,23 @@ Setup plan(int length) {
   spec.identifier = kIdentifier;
   spec.length = length;
   spec.complex_length = odd ? length : length / 2;
-  std::vector<int> list = radices(spec.complex_length, odd);
-  spec.chirp = list.empty();
-  if (!odd) spec.recombine = place.take(2 * std::int64_t(in_lines(std::size_t(length) / 4 + 1)));
+  spec.lanes = choose_lanes(length);
   int core_length = spec.complex_length;
+  if (spec.lanes > 0) core_length /= spec.lanes;
+  std::vector<int> list = radices(core_length, odd);
+  spec.chirp = list.empty();
+  if (spec.lanes > 0) {
+    spec.weights = place.take(std::int64_t{4} * spec.lanes * (core_length + 1));
+    spec.middle = place.take(std::int64_t{2} * spec.lanes * spec.lanes);
+  } else if (!odd)
+    spec.recombine = place.take(2 * std::int64_t(in_lines(std::size_t(length) / 4 + 1)));
   if (spec.chirp) {
     core_length = chirp_length(spec.complex_length);
     list = radices(core_length, false);
     spec.chirp_table = place.take(2 * std::int64_t(in_lines(std::size_t(spec.complex_length))));
     spec.filter = place.take(2 * std::int64_t(in_lines(std::size_t(core_length))));
   }
-  spec.core = plan_core(core_length, list, place);
+  spec.core = plan_core(core_length, list, spec.lanes > 0, place);
 
   setup.spec_bytes = place.bytes();
   const WorkLayout work(spec.core, spec.complex_length);
@@ -225,7 +271,10 @@ void build(const Setup& setup, Spec* block, unsigned char* init) {
   if (block->core.length == 0) return;
   Builder builder(*block, init);
   builder.core();
-  if (block->length % 2 == 0) builder.recombine();
+  if (block->lanes > 0) {
+    builder.lanes();
+  } else if (block->length % 2 == 0)
+    builder.recombine();
   if (block->chirp) builder.chirp();
 }
 

@@ -53,6 +53,9 @@ struct Spec {
   float inverse_scale;
   int complex_length;         // length / 2 for even lengths, length for odd ones
   int chirp;                  // 1 if the core convolves with a chirp
+  int lanes;                  // of the vectors that hold one sub-transform a lane, or 0
+  std::uint32_t weights;      // P and Q of lane transforms, in lines
+  std::uint32_t middle;       // the matrices of the bin H of lane transforms, in lines
   std::uint32_t recombine;    // separates even and odd samples; even lengths only, in lines
   std::uint32_t chirp_table;  // in lines
   std::uint32_t filter;       // spectrum of the conjugate chirp, in lines

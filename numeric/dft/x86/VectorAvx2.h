@@ -57,6 +57,14 @@ struct Vector8 {
     _mm256_storeu_ps(p + 8, _mm256_permute2f128_ps(low, high, 0x31));
   }
 
+  // Rows become columns.
+  [[gnu::always_inline]] static void transpose(Vector8 (&x)[8]) {
+    __m256 r[8];
+    unrolled<8>([&](auto i) { r[i] = x[i].v; });
+    transpose8(r);
+    unrolled<8>([&](auto i) { x[i].v = r[i]; });
+  }
+
   template <int R>
   [[gnu::always_inline]] static void store_rows(float* y, const Vector8* x) {
     if constexpr (R == 2) {

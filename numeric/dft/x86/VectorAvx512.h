@@ -58,6 +58,31 @@ struct Vector16 {
     _mm512_storeu_ps(p + 16, _mm512_permutex2var_ps(x.re.v, high, x.im.v));
   }
 
+  // Rows become columns: fours of lanes by four rows first, then the fours change places.
+  [[gnu::always_inline]] static void transpose(Vector16 (&x)[16]) {
+    __m512 t[16], u[16];
+    unrolled<8>([&](auto i) {
+      t[2 * i] = _mm512_unpacklo_ps(x[2 * i].v, x[2 * i + 1].v);
+      t[2 * i + 1] = _mm512_unpackhi_ps(x[2 * i].v, x[2 * i + 1].v);
+    });
+    unrolled<8>([&](auto i) {
+      constexpr int row = 4 * (i / 2), half = i % 2;
+      const __m512d a = _mm512_castps_pd(t[row + half]), b = _mm512_castps_pd(t[row + 2 + half]);
+      u[row + 2 * half] = _mm512_castpd_ps(_mm512_unpacklo_pd(a, b));
+      u[row + 2 * half + 1] = _mm512_castpd_ps(_mm512_unpackhi_pd(a, b));
+    });
+    unrolled<4>([&](auto i) {
+      const __m512 a = _mm512_shuffle_f32x4(u[i], u[4 + i], 0x88);
+      const __m512 b = _mm512_shuffle_f32x4(u[8 + i], u[12 + i], 0x88);
+      const __m512 c = _mm512_shuffle_f32x4(u[i], u[4 + i], 0xDD);
+      const __m512 d = _mm512_shuffle_f32x4(u[8 + i], u[12 + i], 0xDD);
+      x[i].v = _mm512_shuffle_f32x4(a, b, 0x88);
+      x[4 + i].v = _mm512_shuffle_f32x4(c, d, 0x88);
+      x[8 + i].v = _mm512_shuffle_f32x4(a, b, 0xDD);
+      x[12 + i].v = _mm512_shuffle_f32x4(c, d, 0xDD);
+    });
+  }
+
   template <int R>
   [[gnu::always_inline]] static void store_rows(float* y, const Vector16* x) {
     Vector8 low[R], high[R];

@@ -40,6 +40,9 @@ struct Vector4 {
     _mm_storeu_ps(p + 4, _mm_unpackhi_ps(x.re.v, x.im.v));
   }
 
+  // Rows become columns.
+  static void transpose(Vector4 (&r)[4]) { _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v); }
+
   // Rows of R floats are stored in ascending order, in groups of four: what a
   // group writes past its row is overwritten by the next one.
   template <int R>
