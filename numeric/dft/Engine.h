@@ -7,7 +7,8 @@ namespace dft {
 
 // One variant. Work memory is aligned to a line and of WorkLayout's size; nothing is checked.
 struct Engine {
-  int lanes;  // of its widest vector
+  int lanes;   // of its widest vector
+  int copies;  // of each twiddle of lane transforms
   void (*forward)(const Spec& spec, const float* src, float* dst, float* work);
   void (*inverse)(const Spec& spec, const float* src, float* dst, float* work);
   // The core plan's complex transform of a planar array, in place.

@@ -22,8 +22,8 @@ struct Weights {
 
   Weights(const float* table, std::ptrdiff_t k) {
     const float* at = table + 4 * V::lanes * k;
-    p = {V::load(at), V::load(at + V::lanes)};
-    q = {V::load(at + 2 * V::lanes), V::load(at + 3 * V::lanes)};
+    p = {V::load_aligned(at), V::load_aligned(at + V::lanes)};
+    q = {V::load_aligned(at + 2 * V::lanes), V::load_aligned(at + 3 * V::lanes)};
   }
 };
 
@@ -58,13 +58,20 @@ void join(const dft::Spec& spec, Elements bins) {
 // x, a row of L values, times a matrix of L rows.
 template <class V>
 V row_times_matrix(const float* x, const float* matrix) {
-  V even = V::set1(x[0]) * V::load(matrix), odd = V::set1(x[1]) * V::load(matrix + V::lanes);
+  V even = V::set1(x[0]) * V::load_aligned(matrix),
+    odd = V::set1(x[1]) * V::load_aligned(matrix + V::lanes);
   unrolled<V::lanes / 2 - 1>([&](auto i) {
     constexpr int row = 2 * i + 2;
-    even = V::fma(V::set1(x[row]), V::load(matrix + V::lanes * row), even);
-    odd = V::fma(V::set1(x[row + 1]), V::load(matrix + V::lanes * (row + 1)), odd);
+    even = V::fma(V::set1(x[row]), V::load_aligned(matrix + V::lanes * row), even);
+    odd = V::fma(V::set1(x[row + 1]), V::load_aligned(matrix + V::lanes * (row + 1)), odd);
   });
   return even + odd;
+}
+
+// Runs body(k) for blocks of B that cover 0 to n - 1, n at least B. The last one is moved back.
+template <int B, class F>
+[[gnu::always_inline]] inline void for_blocks(int n, F body) {
+  for (int k = 0; k < n; k += B) body(std::min(k, n - B));
 }
 
 // From the lanes' pairs z, of which element H repeats element 0, to all bins.
@@ -74,7 +81,7 @@ void lanes_to_bins(const dft::Spec& spec, Elements z, float* dst) {
   const int last = spec.core.length;
   const std::ptrdiff_t period = 2 * std::ptrdiff_t{last};
   const float* weights = dft::table(spec, spec.weights);
-  for_vectors<V>(last, [&](int k) {
+  for_blocks<L>(last, [&](int k) {
     V re[L], im[L];
     unrolled<L>([&](auto i) {
       const Weights<V> w(weights, k + i);
@@ -113,7 +120,7 @@ void bins_to_lanes(const dft::Spec& spec, const float* src, float scale, Element
   const int last = spec.core.length;
   const std::ptrdiff_t period = 2 * std::ptrdiff_t{last};
   const V factor = V::set1(scale);
-  for_vectors<V>(last, [&](int k) {
+  for_blocks<L>(last, [&](int k) {
     Cx<V> x[L];
     unrolled<L / 2>([&](auto j) {
       const Cx<V> a = V::load_pairs(src + 2 * (k + period * j));
@@ -145,10 +152,10 @@ void bins_to_lanes(const dft::Spec& spec, const float* src, float scale, Element
 
 template <class V>
 void forward_lanes(const dft::Spec& spec, const float* src, float* dst, const Work& work) {
-  const Elements in{const_cast<float*>(src)}, a{work.a.re}, b{work.b.re};
+  const Elements a{work.a.re}, b{work.b.re};
   const bool odd = spec.core.columns.count % 2 != 0;
   const Elements z = odd ? a : b;
-  run_lanes<V>(spec, in, a, b, z);
+  run_lanes<V>(spec, FromSamples{src}, a, b, z);
   z.store<V>(spec.core.length, z.load<V>(0));
   lanes_to_bins<V>(spec, z, dst);
 }
@@ -158,7 +165,7 @@ void inverse_lanes(const dft::Spec& spec, const float* src, float* dst, const Wo
   const Elements a{work.a.re}, b{work.b.re};
   bins_to_lanes<V>(spec, src, 2.0F * spec.inverse_scale / spec.forward_scale, b);
   join<V>(spec, b);
-  run_lanes<V>(spec, b, a, b, SwappedElements{{dst}});
+  run_lanes<V>(spec, b, a, b, ToSwappedSamples{dst});
 }
 
 }  // namespace

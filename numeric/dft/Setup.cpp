@@ -28,14 +28,15 @@ class Placement {
   std::int64_t lines = (sizeof(Spec) + 63) / 64;
 };
 
-std::int64_t pass_floats(const Pass& pass, bool fused) {
+std::int64_t pass_floats(const Pass& pass, bool fused, int copies) {
   if (fused) return 2 * (pass.radix - 1) * static_cast<std::int64_t>(fused_row(pass.blocks));
   const std::int64_t roots = is_generic(pass.radix) ? 2 * pass.radix : 0;
-  return roots + 2 * (pass.radix - 1) * std::int64_t{pass.blocks};
+  return roots + 2 * (pass.radix - 1) * std::int64_t{pass.blocks} * copies;
 }
 
-PassPlan plan_passes(const std::vector<int>& radices, bool batched, Placement& place) {
+PassPlan plan_passes(const std::vector<int>& radices, bool batched, int copies, Placement& place) {
   PassPlan plan{};
+  plan.copies = copies;
   plan.length = 1;
   for (const int radix : radices) plan.length *= radix;
   plan.fused = !batched && radices.size() > 1 && !is_generic(radices[0]) &&
@@ -44,7 +45,7 @@ PassPlan plan_passes(const std::vector<int>& radices, bool batched, Placement& p
   for (const int radix : radices) {
     Pass& pass = plan.pass[plan.count];
     pass = {radix, stride, plan.length / stride / radix, 0};
-    pass.table = place.take(pass_floats(pass, plan.fused && plan.count == 0));
+    pass.table = place.take(pass_floats(pass, plan.fused && plan.count == 0, copies));
     stride *= radix;
     ++plan.count;
   }
@@ -62,20 +63,20 @@ CorePlan plan_split(std::vector<int> radices, Placement& place) {
     lengths[smaller] *= radix;
   }
   CorePlan core{};
-  core.columns = plan_passes(sides[0], true, place);
-  core.rows = plan_passes(sides[1], true, place);
+  core.columns = plan_passes(sides[0], true, 1, place);
+  core.rows = plan_passes(sides[1], true, 1, place);
   const std::int64_t batches = (core.rows.length + kBatch - 1) / kBatch;
   core.fine = place.take(std::int64_t{2} * kBatch * core.columns.length);
   core.coarse = place.take(2 * batches * core.columns.length);
   return core;
 }
 
-CorePlan plan_core(int length, const std::vector<int>& list, bool batched, Placement& place) {
+CorePlan plan_core(int length, const std::vector<int>& list, bool lanes, Placement& place) {
   CorePlan core{};
   if (length > kLongestInCache && list.size() > 1) {
     core = plan_split(list, place);
   } else {
-    core.columns = plan_passes(list, batched, place);
+    core.columns = plan_passes(list, lanes, lanes ? engine().copies : 1, place);
   }
   core.length = length;
   return core;
@@ -85,9 +86,9 @@ CorePlan plan_core(int length, const std::vector<int>& list, bool batched, Place
 struct Writer {
   float* at;
 
-  void put(std::complex<double> w) {
-    *at++ = static_cast<float>(w.real());
-    *at++ = static_cast<float>(w.imag());
+  void put(std::complex<double> w, int copies = 1) {
+    at = std::fill_n(at, copies, static_cast<float>(w.real()));
+    at = std::fill_n(at, copies, static_cast<float>(w.imag()));
   }
 };
 
@@ -114,7 +115,7 @@ class Builder {
   float* table(std::uint32_t lines) { return const_cast<float*>(dft::table(spec, lines)); }
   void passes(const PassPlan& plan);
   void fused(const Pass& pass, const Roots& w);
-  void strided(const Pass& pass, const Roots& w);
+  void strided(const Pass& pass, int copies, const Roots& w);
   void split();
 
   Spec& spec;
@@ -124,7 +125,7 @@ class Builder {
 void Builder::passes(const PassPlan& plan) {
   const Roots w(plan.length, init);
   for (int i = 0; i < plan.count; ++i) {
-    i == 0 && plan.fused ? fused(plan.pass[i], w) : strided(plan.pass[i], w);
+    i == 0 && plan.fused ? fused(plan.pass[i], w) : strided(plan.pass[i], plan.copies, w);
   }
 }
 
@@ -136,13 +137,13 @@ void Builder::fused(const Pass& pass, const Roots& w) {
   }
 }
 
-void Builder::strided(const Pass& pass, const Roots& w) {
+void Builder::strided(const Pass& pass, int copies, const Roots& w) {
   Writer out{table(pass.table)};
   const std::int64_t turn = std::int64_t{pass.stride} * pass.blocks;
   // The roots of a generic radix are stored as cos and sin: conjugates.
   for (int j = 0; is_generic(pass.radix) && j < pass.radix; ++j) out.put(std::conj(w[turn * j]));
   for (int p = 0; p < pass.blocks; ++p) {
-    for (int k = 1; k < pass.radix; ++k) out.put(w[std::int64_t{pass.stride} * p * k]);
+    for (int k = 1; k < pass.radix; ++k) out.put(w[std::int64_t{pass.stride} * p * k], copies);
   }
 }
 

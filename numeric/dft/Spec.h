@@ -30,6 +30,7 @@ struct Pass {
 struct PassPlan {
   int length;  // complex points; 0 for an unused plan
   int count;   // passes
+  int copies;  // of each part of a twiddle in the tables, but for a fused pass
   int fused;   // 1 if the first pass transposes: vectors run over its blocks, not its stride
   Pass pass[kMaxPasses];
 };

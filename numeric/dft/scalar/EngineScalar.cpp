@@ -10,7 +10,7 @@ struct Set {
   using Kernels = Widths<Vector1>;
   using Exact = Widths<Vector1>;
 };
-constexpr Engine kScalar = {1, forward<Set>, inverse<Set>, forward_core<Set>};
+constexpr Engine kScalar = {1, 1, forward<Set>, inverse<Set>, forward_core<Set>};
 
 }  // namespace
 

@@ -13,6 +13,6 @@ using Set = Isa<Vector1, Vector4, Vector8>;
 
 }  // namespace
 
-const Engine kEngineAvx2 = {8, forward<Set>, inverse<Set>, forward_core<Set>};
+const Engine kEngineAvx2 = {8, 1, forward<Set>, inverse<Set>, forward_core<Set>};
 
 }  // namespace dft

@@ -13,6 +13,6 @@ using Set = Isa<Vector1, Vector4, Vector8, Vector16>;
 
 }  // namespace
 
-const Engine kEngineAvx512 = {16, forward<Set>, inverse<Set>, forward_core<Set>};
+const Engine kEngineAvx512 = {16, 1, forward<Set>, inverse<Set>, forward_core<Set>};
 
 }  // namespace dft

@@ -13,6 +13,6 @@ using Set = Isa<Vector1, Vector4>;
 
 }  // namespace
 
-const Engine kEngineSse2 = {4, forward<Set>, inverse<Set>, forward_core<Set>};
+const Engine kEngineSse2 = {4, 4, forward<Set>, inverse<Set>, forward_core<Set>};
 
 }  // namespace dft

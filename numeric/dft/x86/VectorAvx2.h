@@ -28,11 +28,14 @@ namespace {
 }
 
 struct Vector8 {
-  static constexpr int lanes = 8;
+  static constexpr int lanes = 8, copies = 1;
   __m256 v;
 
   static Vector8 load(const float* p) { return {_mm256_loadu_ps(p)}; }
+  static Vector8 load_aligned(const float* p) { return {_mm256_load_ps(p)}; }
   static Vector8 set1(float x) { return {_mm256_set1_ps(x)}; }
+  static Vector8 spread(const float* p) { return set1(*p); }
+  void store_aligned(float* p) const { _mm256_store_ps(p, v); }
   void store(float* p) const { _mm256_storeu_ps(p, v); }
 
   friend Vector8 operator+(Vector8 a, Vector8 b) { return {_mm256_add_ps(a.v, b.v)}; }

@@ -18,11 +18,14 @@
 namespace {
 
 struct Vector16 {
-  static constexpr int lanes = 16;
+  static constexpr int lanes = 16, copies = 1;
   __m512 v;
 
   static Vector16 load(const float* p) { return {_mm512_loadu_ps(p)}; }
+  static Vector16 load_aligned(const float* p) { return {_mm512_load_ps(p)}; }
   static Vector16 set1(float x) { return {_mm512_set1_ps(x)}; }
+  static Vector16 spread(const float* p) { return set1(*p); }
+  void store_aligned(float* p) const { _mm512_store_ps(p, v); }
   void store(float* p) const { _mm512_storeu_ps(p, v); }
 
   friend Vector16 operator+(Vector16 a, Vector16 b) { return {_mm512_add_ps(a.v, b.v)}; }

@@ -8,12 +8,22 @@
 
 namespace {
 
+// Without AVX a value in all lanes takes two instructions to load, one if it stands in memory four
+// times.
 struct Vector4 {
   static constexpr int lanes = 4;
+#ifdef __AVX__
+  static constexpr int copies = 1;
+#else
+  static constexpr int copies = 4;
+#endif
   __m128 v;
 
   static Vector4 load(const float* p) { return {_mm_loadu_ps(p)}; }
+  static Vector4 load_aligned(const float* p) { return {_mm_load_ps(p)}; }
   static Vector4 set1(float x) { return {_mm_set1_ps(x)}; }
+  static Vector4 spread(const float* p) { return copies == 1 ? set1(*p) : load_aligned(p); }
+  void store_aligned(float* p) const { _mm_store_ps(p, v); }
   void store(float* p) const { _mm_storeu_ps(p, v); }
 
   friend Vector4 operator+(Vector4 a, Vector4 b) { return {_mm_add_ps(a.v, b.v)}; }
