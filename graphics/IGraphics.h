@@ -163,6 +163,8 @@ class IGraphics {
   int NControls() const { return mControls.GetSize(); }
   IControl* GetControl(int idx) const { return mControls.Get(idx); }
   int GetMouseCapture() const { return mMouseCapture; }
+  // Who would get a press there, null for nobody.
+  IControl* ControlAt(int x, int y) const { return GetControl(GetMouseControlIdx(x, y)); }
 
  protected:
   // Who gets an event there: the control that holds the mouse, else the topmost; -1 for none.

@@ -8,7 +8,7 @@
 #include <system_error>
 
 #include "graphics/lice/LICE_Bitmap.h"
-#include "graphics/x11/LockPause.h"
+#include "graphics/windows/LockPause.h"
 #include "iplug/StartThread.h"
 
 namespace {

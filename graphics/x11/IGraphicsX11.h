@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "graphics/IGraphicsOffscreen.h"
+#include "graphics/windows/LinkFailure.h"
 #include "graphics/x11/X11Editor.h"
 
 // While a window is open, a thread of its own runs the editor. It has a connection of its own, and
@@ -47,9 +48,8 @@ class IGraphicsX11 : public IGraphicsOffscreen {
   void ShowMouseCursor() override;
 
   // For the window's own use, on its thread.
-  IControl* ControlAt(int x, int y) const { return GetControl(GetMouseControlIdx(x, y)); }
   const LICE_IBitmap* GetCanvas() const;
-  void ShowFailure();  // of the last OpenURL
+  void ShowFailure() { mFailure.Show(*this); }  // of the last OpenURL
 
  private:
   void RunEditor(xcb_window_t parent, std::promise<xcb_window_t> opened, std::promise<void> ended);
@@ -65,5 +65,5 @@ class IGraphicsX11 : public IGraphicsOffscreen {
   std::atomic<std::thread::id> mEditorThread{};
   std::atomic<xcb_window_t> mWindow{XCB_NONE};  // the open window
   X11Editor* mEditor = nullptr;                 // the thread's own
-  std::string mFailure;                         // message of an OpenURL that failed; the thread's
+  LinkFailure mFailure;                         // the thread's
 };

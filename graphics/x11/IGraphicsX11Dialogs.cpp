@@ -1,61 +1,22 @@
 // Questions to the user beyond the controls, and pages opened elsewhere.
 #include <poll.h>
 
-#include <cstdlib>
 #include <sstream>
 
+#include "graphics/windows/FilePrompt.h"
+#include "graphics/windows/LockPause.h"
+#include "graphics/windows/MessageBoxes.h"
 #include "graphics/x11/IGraphicsX11.h"
-#include "graphics/x11/LockPause.h"
 #include "graphics/x11/desktop/ChildProcess.h"
 #include "graphics/x11/desktop/FileDialog.h"
 
 namespace {
-
-enum EBoxResult { kNotShown = 0, kOK = 1, kCancel = 2, kYes = 6, kNo = 7 };
-
-struct BoxButton {
-  const char* text;
-  EBoxResult result;
-};
-struct BoxType {
-  int type;
-  BoxButton buttons[3];  // in order; a null text ends them
-  EBoxResult dismissed;
-};
-constexpr BoxType kBoxTypes[] = {
-    {0, {{"OK", kOK}}, kOK},
-    {1, {{"OK", kOK}, {"Cancel", kCancel}}, kCancel},
-    {3, {{"Yes", kYes}, {"No", kNo}, {"Cancel", kCancel}}, kCancel},
-    {4, {{"Yes", kYes}, {"No", kNo}}, kNo},
-};
-
-const BoxType& BoxTypeOf(int type) {
-  for (const BoxType& row : kBoxTypes) {
-    if (row.type == type) return row;
-  }
-  return kBoxTypes[0];
-}
 
 void AddLines(IPopupMenu& menu, const char* text) {
   std::istringstream lines(text ? text : "");
   for (std::string line; std::getline(lines, line);) {
     menu.AddItem(line.c_str(), -1, IPopupMenuItem::kDisabled);
   }
-}
-
-std::vector<std::string> Words(const char* text) {
-  std::istringstream stream(text ? text : "");
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;) words.push_back(word);
-  return words;
-}
-
-// As the dialogs want it: whole, with a slash at the end.
-std::string FolderPath(const char* folder) {
-  std::string path = folder;
-  if (!path.ends_with('/')) path += '/';
-  const char* home = std::getenv("HOME");
-  return path.starts_with("~/") && home ? home + path.substr(1) : path;
 }
 
 bool HasExtension(const std::string& path, const std::vector<std::string>& extensions) {
@@ -82,7 +43,7 @@ bool WaitWithoutEditor(int fd) {
 // Shown as a menu in the middle of the editor: lines that cannot be chosen, and the buttons.
 int IGraphicsX11::ShowMessageBox(const char* text, const char* caption, int type) {
   X11Editor* editor = EditorHere();
-  if (!editor) return kNotShown;
+  if (!editor) return kBoxNotShown;
   const BoxType& box = BoxTypeOf(type);
   IPopupMenu menu;
   AddLines(menu, caption);
@@ -105,8 +66,7 @@ void IGraphicsX11::PromptForFile(HeapString* file, int action, HeapString* dir,
   question.name = file->Get();
   file->Set("");
   if (!WindowIsOpen()) return;
-  if (dir && dir->IsEmpty()) dir->Set("~/Desktop");
-  question.folder = FolderPath(dir ? dir->Get() : "~/Desktop");
+  question.folder = StartFolder(dir);
   question.extensions = Words(extensions);
 
   const LockPause pause(GetPlug());
@@ -120,8 +80,7 @@ void IGraphicsX11::PromptForFile(HeapString* file, int action, HeapString* dir,
   if (question.save && !question.extensions.empty() && !HasExtension(*path, question.extensions)) {
     *path += "." + question.extensions[0];
   }
-  file->Set(path->c_str());
-  if (dir) dir->Set(path->substr(0, path->rfind('/') + 1).c_str());
+  SetChosenFile(*path, file, dir);
 }
 
 bool IGraphicsX11::OpenURL(const char* url, const char* errMsg) {
@@ -129,12 +88,6 @@ bool IGraphicsX11::OpenURL(const char* url, const char* errMsg) {
   if (!url || !*url || *url == '-') return true;
   const LockPause pause(GetPlug());
   const bool opened = RunInBackground({"xdg-open", url});
-  if (EditorHere()) mFailure = !opened && errMsg ? errMsg : "";
+  if (EditorHere()) mFailure.Note(opened, errMsg);
   return opened;
-}
-
-void IGraphicsX11::ShowFailure() {
-  if (mFailure.empty()) return;
-  const std::string message = std::exchange(mFailure, "");
-  ShowMessageBox(message.c_str(), "", 0);
 }

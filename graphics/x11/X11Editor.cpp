@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "graphics/lice/LICE_Bitmap.h"
+#include "graphics/windows/FrameArea.h"
 #include "graphics/x11/IGraphicsX11.h"
 
 namespace {
@@ -127,9 +128,7 @@ void X11Editor::Frame(Clock::time_point now) {
   if (mMenu) mMenu->Tick(now);
   IRECT rect;
   if (!mGraphics.IsDirty(&rect)) return;
-  // kept: one pixel more on the right and below, as the view asks for whole pixels and both ends.
-  IRECT view = IRECT(rect.L, rect.T, rect.R + 1, rect.B + 1)
-                   .Intersect({0, 0, mGraphics.Width(), mGraphics.Height()});
+  IRECT view = FrameArea(rect).Intersect({0, 0, mGraphics.Width(), mGraphics.Height()});
   mGraphics.Draw(&view);
 }
 

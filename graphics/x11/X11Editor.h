@@ -5,7 +5,8 @@
 #include <memory>
 #include <optional>
 
-#include "graphics/x11/MouseRouter.h"
+#include "graphics/windows/MouseRouter.h"
+#include "graphics/x11/ClickCounter.h"
 #include "graphics/x11/X11Ending.h"
 #include "graphics/x11/server/X11Clipboard.h"
 #include "graphics/x11/server/X11Connection.h"

@@ -1,5 +1,5 @@
 // Which event goes where, and the text field's life.
-#include "graphics/x11/EditOfParam.h"
+#include "graphics/windows/TypedText.h"
 #include "graphics/x11/IGraphicsX11.h"
 #include "graphics/x11/X11Editor.h"
 
@@ -18,6 +18,24 @@ bool IsOfUse(xcb_button_t button) { return button <= 5; }
 
 bool IsOfGrab(uint8_t mode) {
   return mode == XCB_NOTIFY_MODE_GRAB || mode == XCB_NOTIFY_MODE_UNGRAB;
+}
+
+// The Super key stands for Command.
+template <class T>
+MouseInput InputOf(const T& event) {
+  MouseInput input = MouseInput::At(event.event_x, event.event_y);
+  const auto has = [&event](int mask) { return (event.state & mask) != 0; };
+  input.left = has(XCB_BUTTON_MASK_1);
+  input.right = has(XCB_BUTTON_MASK_3);
+  input.shift = has(XCB_MOD_MASK_SHIFT);
+  input.control = has(XCB_MOD_MASK_CONTROL);
+  input.alt = has(XCB_MOD_MASK_1);
+  input.command = has(XCB_MOD_MASK_4);
+  return input;
+}
+
+EMouseButton ButtonOf(xcb_button_t button) {
+  return button == 1 ? kLeftButton : button == 3 ? kRightButton : kNoButton;
 }
 
 bool IsSent(const xcb_key_press_event_t& event) { return (event.response_type & 0x80) != 0; }
@@ -83,7 +101,7 @@ void X11Editor::OnPress(const xcb_button_press_event_t& event) {
     return mField->Press(event.event_x - mField->Place().L, extend, clicks);
   }
   CommitTextEntry();
-  mMouse.Press(event.detail, clicks, event.event_x, event.event_y, event.state);
+  mMouse.Press(ButtonOf(event.detail), clicks, InputOf(event));
   mGraphics.ShowFailure();
 }
 
@@ -91,7 +109,7 @@ bool X11Editor::IsInField(int x, int y) const { return mField && mField->Place()
 
 void X11Editor::OnWheel(int distance, const xcb_button_press_event_t& event) {
   EndTextEntry();
-  mMouse.Wheel(distance, event.event_x, event.event_y, event.state);
+  mMouse.Wheel(distance, InputOf(event));
 }
 
 void X11Editor::OnRelease(const xcb_button_release_event_t& event) {
@@ -102,7 +120,7 @@ void X11Editor::OnRelease(const xcb_button_release_event_t& event) {
   if (mFieldHasPress) {
     mFieldHasPress = false;
   } else {
-    mMouse.Release(event.detail, event.event_x, event.event_y, event.state);
+    mMouse.Release(ButtonOf(event.detail), InputOf(event));
   }
 }
 
@@ -113,14 +131,14 @@ void X11Editor::OnMotion(const xcb_motion_notify_event_t& event) {
   if (mFieldHasPress) {
     if (event.state & XCB_BUTTON_MASK_1) mField->Drag(event.event_x - mField->Place().L);
   } else if (mMouse.IsPressed() || !IsInField(event.event_x, event.event_y)) {
-    mMouse.Motion(event.event_x, event.event_y, event.state, !mField);
+    mMouse.Motion(InputOf(event), !mField);
   }
 }
 
 // The window may have come to the mouse.
 void X11Editor::OnEnter(const xcb_enter_notify_event_t& event) {
   if (mMenu || mInDialog || event.mode == XCB_NOTIFY_MODE_GRAB) return;
-  mMouse.Motion(event.event_x, event.event_y, event.state, false);
+  mMouse.Motion(InputOf(event), false);
 }
 
 // Who grabs the mouse does not move it. When a grab ends, that of a drag too, it may be elsewhere.
@@ -178,14 +196,8 @@ void X11Editor::OpenTextEntry(IControl* control, const IText& style, const IRECT
 void X11Editor::CommitTextEntry() {
   if (!mField || mCommitting) return;
   mCommitting = true;
-  IControl* control = mField->Control();
   const std::string text = mField->Text();
-  if (IParam* param = mField->Param()) {
-    const EditOfParam edit(mGraphics.GetPlug(), control->ParamIdx());
-    mGraphics.SetFromStringAfterPrompt(control, param, text.c_str());
-  } else {
-    control->TextFromTextEntry(text.c_str());
-  }
+  CommitTypedText(mGraphics, *mField->Control(), mField->Param(), text.c_str());
   mCommitting = false;
   EndTextEntry();
 }

@@ -1,7 +1,7 @@
 // The rules of the core protocol by which a key's symbol is chosen.
 #include "graphics/x11/server/X11Keys.h"
 
-#include "graphics/IGraphics.h"
+#include "graphics/windows/EditorKeys.h"
 #include "graphics/x11/server/X11Connection.h"
 
 namespace {
@@ -46,12 +46,7 @@ int X11Key::Code() const {
     default: break;
   }
   if (control || alt || super) return -1;
-  const int c = static_cast<int>(character);
-  if (c == ' ') return IGraphics::kKeySpace;
-  if (c >= '0' && c <= '9') return IGraphics::kKey0 + c - '0';
-  if (c >= 'a' && c <= 'z') return IGraphics::kKeyA + c - 'a';
-  if (c >= 'A' && c <= 'Z') return IGraphics::kKeyA + c - 'A';
-  return -1;
+  return EditorKeyOf(character);
 }
 
 void X11Keymap::Load(X11Connection& connection) {

@@ -5,27 +5,9 @@
 
 namespace {
 
-// The number at the head of a text, without its fraction; saturates.
-long WholeNumber(const std::u32string& text) {
-  constexpr long kLimit = 1L << 40;
-  std::size_t i = !text.empty() && (text[0] == U'-' || text[0] == U'+') ? 1 : 0;
-  long value = 0;
-  for (; i < text.size() && text[i] >= U'0' && text[i] <= U'9'; ++i) {
-    value = std::min(value * 10 + static_cast<long>(text[i] - U'0'), kLimit);
-  }
-  return text[0] == U'-' ? -value : value;
-}
-
 bool IsBlank(char32_t c) { return c == U' ' || c == U'\t'; }
 
 }  // namespace
-
-bool LineFilter::Accepts(const std::u32string& text) const {
-  if (maxLength && static_cast<int>(text.size()) > maxLength) return false;
-  if (maxValue && !text.empty() && WholeNumber(text) > maxValue) return false;
-  if (filterCharacterSet.empty()) return true;
-  return text.find_first_not_of(filterCharacterSet) == std::u32string::npos;
-}
 
 LineEdit::LineEdit(std::u32string text, LineFilter filter)
     : mText(std::move(text)), mFilter(std::move(filter)), mCaret(Length()) {}

@@ -3,14 +3,7 @@
 
 #include <string>
 
-// Which texts a field takes, even in passing.
-struct LineFilter {
-  std::u32string filterCharacterSet;  // every character must be one of these; empty: any
-  int maxLength = 0;                  // in characters; 0: any
-  int maxValue = 0;                   // limit of the text read as a whole number; 0: none
-
-  bool Accepts(const std::u32string& text) const;
-};
+#include "graphics/windows/TypedText.h"
 
 // Positions are gaps between characters, from 0 to the length. The selection lies between the
 // caret and the anchor, and everything typed replaces it.

@@ -1,8 +1,6 @@
 // Layout of a menu.
 #include "graphics/x11/widgets/MenuLayout.h"
 
-#include <cstdio>
-
 #include "graphics/IPopupMenu.h"
 
 namespace {
@@ -11,39 +9,15 @@ constexpr int kSeparatorHeight = 9;
 constexpr int kArrowWidth = 20;  // column of the arrows to sub-menus, right of the text
 constexpr int kLeastWidth = 60;
 
-std::string Title(const IPopupMenuItem& item, int prefix, int number) {
-  constexpr const char* kFormats[] = {"", "%1d: ", "%02d: ", "%03d: "};
-  char text[16] = "";
-  if (prefix > 0) std::snprintf(text, sizeof text, kFormats[prefix], number);
-  return std::string(text) + item.GetText();
-}
-
-MenuRow RowOf(const IPopupMenuItem& item, int prefix, int number) {
-  MenuRow row;
-  row.height = MenuLayout::kRowHeight;
-  row.submenu = item.GetSubmenu();
-  const int flags = row.submenu ? IPopupMenuItem::kNoFlags : item.GetFlags();
-  if (flags & IPopupMenuItem::kSeparator) {
-    row.separator = true;
-    row.height = kSeparatorHeight;
-    return row;
-  }
-  row.text = Title(item, prefix, number);
-  // kept: a title is set in by one step and can be chosen like any item.
-  row.indented = (flags & IPopupMenuItem::kTitle) != 0;
-  row.checked = (flags & IPopupMenuItem::kChecked) != 0;
-  row.enabled = (flags & IPopupMenuItem::kDisabled) == 0;
-  return row;
-}
-
 }  // namespace
 
 MenuLayout::MenuLayout(const IPopupMenu& menu,
                        const std::function<int(const std::string&)>& widthOf)
     : mWidth(kLeastWidth), mHeight(kPadding) {
   for (int i = 0; i < menu.GetNItems(); ++i) {
-    MenuRow row = RowOf(*menu.GetItem(i), menu.GetPrefix(), i + 1);
+    MenuRow row{MenuEntryOf(menu, i)};
     row.top = mHeight;
+    row.height = row.separator ? kSeparatorHeight : kRowHeight;
     mHeight += row.height;
     const int left = kTextLeft + (row.indented ? kIndentation : 0);
     mWidth = std::max(mWidth, left + widthOf(row.text) + kArrowWidth);

@@ -6,15 +6,10 @@
 #include <vector>
 
 #include "graphics/IGraphicsTypes.h"
+#include "graphics/windows/MenuEntry.h"
 
-class IPopupMenu;
-
-struct MenuRow {
+struct MenuRow : MenuEntry {
   int top = 0, height = 0;  // pixels from the top of the menu
-  std::string text;         // with its number
-  IPopupMenu* submenu = nullptr;
-  bool separator = false, enabled = true, checked = false;
-  bool indented = false;
 
   bool CanBeLit() const { return !separator && enabled; }
 };

@@ -9,7 +9,6 @@
 namespace {
 
 constexpr int kTextSize = 12;
-constexpr int kDeepest = 8;  // sub-menus beyond are not shown: a menu may hold itself
 constexpr IColor kGround(255, 27, 26, 24);
 constexpr IColor kBorder(255, 68, 63, 54);
 constexpr IColor kText(255, 255, 231, 168);
@@ -38,7 +37,7 @@ IRECT SizeOf(const IPopupMenu& menu, int depth) {
   const MenuLayout layout(menu, WidthOf);
   IRECT size(0, 0, layout.Width(), layout.Height());
   for (const MenuRow& row : layout.Rows()) {
-    if (row.submenu && depth < kDeepest) size = size.Union(SizeOf(*row.submenu, depth + 1));
+    if (row.submenu && depth < kDeepestMenu) size = size.Union(SizeOf(*row.submenu, depth + 1));
   }
   return size;
 }
@@ -106,7 +105,7 @@ void X11Menu::OpenPanel(IPopupMenu& menu, const IRECT& place, MenuLayout&& layou
 
 // Beside the lit row of the last panel, on the right where there is room.
 void X11Menu::OpenSubmenu() {
-  if (mPanels.size() > kDeepest) return;
+  if (mPanels.size() > kDeepestMenu) return;
   const Panel& parent = Last();
   const MenuRow& row = parent.layout.Row(parent.lit);
   MenuLayout layout(*row.submenu, WidthOf);

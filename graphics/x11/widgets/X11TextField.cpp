@@ -4,8 +4,8 @@
 #include "graphics/IControl.h"
 #include "graphics/IGraphics.h"
 #include "graphics/lice/LICE_Draw.h"
+#include "graphics/windows/Utf8.h"
 #include "graphics/x11/server/X11Clipboard.h"
-#include "graphics/x11/widgets/Utf8.h"
 #include "iplug/IParam.h"
 
 namespace {
@@ -13,17 +13,9 @@ namespace {
 constexpr int kMargin = 2;  // pixels between the edge and the text
 constexpr std::chrono::milliseconds kBlinkPeriod(500);
 
-LineFilter FilterFor(const IControl& control, const IParam* param) {
-  LineFilter filter;
-  if (!param) return filter;
-  filter.filterCharacterSet = param->Type() == kTypeDouble ? U"0123456789.-+" : U"0123456789-+";
-  filter.maxLength = control.GetTextEntryLength();
-  return filter;
-}
-
 IText StyleOf(const IText& text) {
   IText style = text;
-  style.mSize = static_cast<int>(text.mSize * 0.9);
+  style.mSize = EntryTextSize(text);
   style.mAlign = IText::kAlignNear;
   return style;
 }

@@ -1,5 +1,5 @@
 // Mouse and keys, from the user's hand to the host.
-#include "graphics/x11/MouseRouter.h"
+#include "graphics/x11/ClickCounter.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Typed entry in the window.
+#include "graphics/windows/Utf8.h"
 #include "graphics/x11/widgets/LineEdit.h"
-#include "graphics/x11/widgets/Utf8.h"
 #include "tests/graphics/x11/EditorHost.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // UTF-8 to characters and back.
-#include "graphics/x11/widgets/Utf8.h"
+#include "graphics/windows/Utf8.h"
 
 #include "graphics/lice/LICE_UTF8.h"
 
