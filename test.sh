@@ -23,6 +23,7 @@ if [[ $preset == fuzz ]]; then
   exec scripts/fuzz.sh "build/$preset"
 fi
 cmake --build --preset "$preset"
+scripts/check-promises "build/$preset"
 
 export UBSAN_OPTIONS=print_stacktrace=1
 run=(ctest --test-dir "build/$preset" --output-on-failure -j2)

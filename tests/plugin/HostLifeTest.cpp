@@ -153,7 +153,8 @@ TEST(HostLife, TheThreeProcessEntriesGiveTheSameSoundAndNoneWithoutFrames) {
   }
 }
 
-// In a process of its own, in which the kernel ends a thread that calls it for anything but its end.
+// In a process of its own, in which the kernel ends a thread that calls it for anything but its
+// end.
 TEST(HostLife, SteadySoundMakesNoSystemCall) {
 #ifdef __SANITIZE_THREAD__
   GTEST_SKIP() << "the thread sanitizer makes its own";
