@@ -22,7 +22,7 @@ int AdditionsToFill(const IColor& color) {
   return additions;
 }
 
-// The column of pixels at x, -1 outside of any canvas and for what is not a number.
+// The column of pixels at x, -1 outside of any canvas and for NaN.
 int ColumnOf(float x) { return x >= 0.0f && x < kWidest ? static_cast<int>(x) : -1; }
 
 }  // namespace
@@ -42,7 +42,7 @@ AdditivePolyline::AdditivePolyline(IGraphics& graphics, const IColor& color, flo
 
 AdditivePolyline::~AdditivePolyline() { PaintColumn(); }
 
-// Row of a height, counted from mTop; -1 outside of the counted rows and for what is not a number.
+// Row of a height, counted from mTop; -1 outside of the counted rows and for NaN.
 int AdditivePolyline::RowOf(float y) const {
   const auto top = static_cast<float>(mTop);
   const bool inside = y >= top && y < top + static_cast<float>(mDiff.size() - 1);

@@ -37,7 +37,8 @@ void FIRSpectrogram<T>::update(int sample_rate_, const AlignedVector<T>& fir_, W
   const AlignedVector<T> empty(static_cast<std::size_t>(num_half_bins));
   density = AlignedVector<AlignedVector<T>>(frames, empty);
   density_dB = density;
-  // kept: the minimum starts at the 0 of a grid not yet filled and so stays there.
+  // kept: the minimum starts at 0, the value of the empty grid, and so never rises. Colours are
+  // scaled from there, and a response must look as it always has.
   min_density = 0;
   max_density = 0;
   for (std::size_t j = 0; j < frames; ++j) analyse_frame(j, epsilon);

@@ -58,7 +58,7 @@ class FIRSpectrogram {
   int num_frames = 0;
   WindowType window_type = Rectangular;
   FFTWrap<T> fft;
-  AlignedVector<T> frame;                      // fft_size samples, windowed, zeros behind
+  AlignedVector<T> frame;                      // fft_size samples: windowed, then zeros
   AlignedVector<complex> spectrum;             // num_half_bins
   AlignedVector<T> window;                     // window_size coefficients
   AlignedVector<AlignedVector<T>> density;     // power by frame and bin

@@ -106,8 +106,8 @@ void ITolmaraWaveformSpectrogram::DrawSpectrogramRow(IGraphics& graphics,
   for (std::size_t k = 0; k < row.size(); ++k) {
     const float v = (row[k] - mMinDB) / mRangeDB;
     const auto channel = [v](int full) { return saturate_to_int(static_cast<float>(full) * v); };
-    // kept: channels above 255 are not clamped but wrap around in the pixel, which is the look of
-    // an overloaded bin.
+    // kept: channels above 255 are not clamped and wrap around in the pixel. Users know overloaded
+    // bins by that colour.
     const IColor color(255, channel(mSpectrogramColor.R), channel(mSpectrogramColor.G),
                        channel(mSpectrogramColor.B));
     graphics.DrawLine(&color, x0, mBinY[k], x1 - 1.0f, mBinY[k], &kAdd, false);
@@ -116,7 +116,7 @@ void ITolmaraWaveformSpectrogram::DrawSpectrogramRow(IGraphics& graphics,
 
 // At the Nyquist frequency, half and a quarter of it.
 void ITolmaraWaveformSpectrogram::DrawFrequencyMarks(IGraphics& graphics) {
-  // kept: this label stays where it is, whatever the panel.
+  // kept: this label has a fixed place, so that the editor's picture stays the same pixel by pixel.
   DrawLabel(graphics, mTextTime, "-120 to 0 dB", 290.0, 178.0);
   int rate = mSampleRate;
   for (int mark = 0; mark < 3; ++mark) {

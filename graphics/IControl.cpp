@@ -86,7 +86,8 @@ void IControl::SetDirty(bool pushParamToPlug) {
 }
 
 void IControl::SetClean() {
-  // One exchange: whoever sets mRedraw and then mDirty is seen here or stays dirty.
+  // One exchange: a thread that sets mRedraw and then mDirty is seen here, or the control stays
+  // dirty.
   std::atomic_ref<bool>(mDirty).exchange(false, std::memory_order_acq_rel);
   if (!Load(mRedraw)) return;
   Store(mRedraw, false);
@@ -95,7 +96,7 @@ void IControl::SetClean() {
 
 bool IControl::IsDirty() { return GetDirtyFlag(); }
 
-// Whoever sees false also sees the control as the frame has left it.
+// A thread that sees false also sees the control as the frame has left it.
 void IControl::SetInFrame(bool inFrame) {
   std::atomic_ref<bool>(mInFrame).store(inFrame, std::memory_order_release);
 }

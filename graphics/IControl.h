@@ -1,4 +1,5 @@
-// The base of everything that an editor shows.
+// The base of everything that an editor shows. Tolmara uses values, defaults, mouse events and
+// typed entry; no auxiliary parameters, clamps, keys, hiding, graying or linked texts.
 #pragma once
 
 #include <atomic>

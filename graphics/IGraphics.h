@@ -1,4 +1,7 @@
-// The editor: its controls, its canvas, the drawing primitives and the routing of input.
+// The editor: its controls, its canvas, the drawing primitives and the routing of input. Tolmara
+// uses a background picture, bitmaps, text, lines, circles and filled rectangles, menus, typed
+// entry and links; the other primitives, masks, key catcher and file prompts wait for other
+// editors.
 #pragma once
 
 #include <memory>
@@ -49,8 +52,9 @@ class IGraphics {
                              const char* extensions) = 0;  // `file` is "" when nothing was chosen
   virtual bool PromptForColor(IColor* color, const char* prompt);
   virtual bool OpenURL(const char* url, const char* errMsg = nullptr) = 0;  // true: opened
-  virtual void* OpenWindow(void* parent) = 0;    // null when no window could be made
-  virtual bool ReservedHook() { return false; }  // kept: holds its place in the table
+  virtual void* OpenWindow(void* parent) = 0;  // null when no window could be made
+  // kept: never called, but without it the operations below would change their place in the table.
+  virtual bool ReservedHook() { return false; }
   virtual void* OpenWindowFromHandle(void* windowRef) = 0;
   virtual void CloseWindowFromHandle() = 0;
   virtual void CloseWindow() = 0;
@@ -167,7 +171,7 @@ class IGraphics {
   IControl* ControlAt(int x, int y) const { return GetControl(GetMouseControlIdx(x, y)); }
 
  protected:
-  // Who gets an event there: the control that holds the mouse, else the topmost; -1 for none.
+  // The control that gets an event there: the one that holds the mouse, else the topmost; -1: none.
   int GetMouseControlIdx(int x, int y, bool mouseOver = false) const;
   IRECT mInk;  // texts of the control that is being drawn; DrawIText widens it
 
@@ -196,10 +200,10 @@ class IGraphics {
   int mWidth, mHeight, mFPS;
   int mMouseCapture = -1;          // index of the control that holds the mouse
   int mMouseOver = -1;             // index of the control under the mouse
-  int mMouseX = -1, mMouseY = -1;  // last position told to a control
+  int mMouseX = -1, mMouseY = -1;  // last position that a control got
   int mLastClickedParam = -1;
   bool mHandleMouseOver = false;
   bool mStrict = true;
   std::unique_ptr<IControl> mKeyCatcher;
-  std::unique_ptr<LICE_SysBitmap> mFrameBitmap;  // stands in for the canvas during a partial draw
+  std::unique_ptr<LICE_SysBitmap> mFrameBitmap;  // replaces the canvas during a partial draw
 };

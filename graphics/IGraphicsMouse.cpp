@@ -91,7 +91,8 @@ void IGraphics::OnMouseWheel(int x, int y, IMouseMod* mod, int d) {
 }
 
 bool IGraphics::OnKeyDown(int x, int y, int key) {
-  // kept: control 0, the background, never sees a key.
+  // kept: control 0, the background, never gets a key, so that keys beside the controls reach the
+  // key catcher or, as the host's shortcuts, the host.
   const int idx = GetMouseControlIdx(x, y);
   if (idx > 0) return mControls.Get(idx)->OnKeyDown(x, y, key);
   return mKeyCatcher && mKeyCatcher->OnKeyDown(x, y, key);

@@ -14,7 +14,7 @@
 
 namespace {
 
-const char kAnchor = 0;  // its address tells which binary holds this code
+const char kAnchor = 0;  // its address shows which binary holds this code
 
 std::string RealPath(const char* path) {
   const std::unique_ptr<char, decltype(&std::free)> real(realpath(path, nullptr), &std::free);

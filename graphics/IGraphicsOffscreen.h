@@ -1,4 +1,5 @@
-// An editor without a window: draws into memory and takes its input from calls.
+// An editor without a window: draws into memory and takes its input from calls. Tolmara uses it for
+// screenshots and as the base of the X11 editor.
 #pragma once
 
 #include <string>

@@ -92,7 +92,8 @@ IRECT Placed(const IRECT& rect, const LICE_Rect& extent, int align) {
   const int height = extent.bottom - extent.top;
   IRECT r = rect;
   if (align == IText::kAlignNear) {
-    // kept: a near text is measured for a rectangle that begins at 0.
+    // kept: a near text is measured as if the rectangle began at 0. Layouts that were made with
+    // this width would move.
     r.R = width;
   } else if (align == IText::kAlignFar) {
     r.L = r.R - width;

@@ -1,4 +1,5 @@
 // Small value types of the editor: rectangle, colour, blend, bitmap, text style, mouse modifiers.
+// Tolmara uses all of it but turned text and auxiliary parameters.
 #pragma once
 
 #include <algorithm>
@@ -111,7 +112,7 @@ struct IText {
   enum EStyle { kStyleNormal = 0, kStyleBold = 1, kStyleItalic = 2 };
   enum EAlign { kAlignNear = 0, kAlignCenter = 1, kAlignFar = 2 };
 
-  // A copy starts without its font, as it may be given another size before it is drawn.
+  // A copy starts without its font, because it may be given another size before it is drawn.
   struct FontSlot {
     LICE_CachedFont* font = nullptr;  // owned by the font cache
 

@@ -1,4 +1,5 @@
-// Pop-up menus as data; the window layer shows them.
+// Pop-up menus as data; the window layer shows them. Tolmara uses plain lists of items, without
+// prefixes, titles and sub-menus.
 #pragma once
 
 #include <memory>
@@ -7,7 +8,7 @@
 
 class IPopupMenu;
 
-// One line of a menu. A sub-menu belongs to whoever made it.
+// One line of a menu. A sub-menu belongs to its creator.
 class IPopupMenuItem {
  public:
   enum EFlags { kNoFlags = 0, kDisabled = 1, kTitle = 2, kChecked = 4, kSeparator = 8 };

@@ -1,4 +1,5 @@
-// Bytes as text of the standard base64 alphabet.
+// Bytes as text of the standard base64 alphabet. Tolmara uses none of it: its presets are tables,
+// not blobs.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// The growable byte string in which a plug-in's state travels.
+// The growable byte string in which a plug-in's state travels. Tolmara uses all of it, through the
+// base class.
 #pragma once
 
 #include <bit>
@@ -8,8 +9,8 @@
 // Values lie in the machine's byte order, and saved state relies on it.
 static_assert(std::endian::native == std::endian::little, "state chunks are little-endian");
 
-// Bytes appended at the end and read at positions. A read returns the position behind what it read,
-// or -1 without touching its target; any position is safe to ask for. No lock.
+// Bytes appended at the end and read at positions. A read returns the position after the bytes
+// read, or -1 without touching its target; any position is safe to ask for. No lock.
 class ByteChunk {
  public:
   template <typename T>
@@ -47,6 +48,6 @@ inline constexpr int kIPlugVersion = 0x00010000;
 
 // Clears the chunk and writes the header.
 void InitChunkWithIPlugVer(ByteChunk* chunk);
-// The version, with `*pos` moved behind the header. 0 without header; `*pos` is then -1 if the
+// The version, with `*pos` moved after the header. 0 without header; `*pos` is then -1 if the
 // chunk ends inside one, else unchanged.
 int GetIPlugVerFromChunk(const ByteChunk* chunk, int* pos);

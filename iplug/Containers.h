@@ -1,4 +1,5 @@
-// The framework's storage types: growable bytes, text and lists of pointers.
+// The framework's storage types: growable bytes, text and lists of pointers. Tolmara uses all of
+// it, through the base class and the editor.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// Whole files as bytes, and files that are replaced whole or not at all.
+// Whole files as bytes, and files that are replaced whole or not at all. Tolmara itself writes no
+// file; its command-line host uses all of it.
 #pragma once
 
 #include <cstddef>

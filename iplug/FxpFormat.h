@@ -1,4 +1,5 @@
-// The fxp and fxb files: bytes to fields and back, without a plug-in.
+// The fxp and fxb files: bytes to fields and back, without a plug-in. Tolmara itself reads no such
+// file; its command-line host uses all of it.
 #pragma once
 
 #include <cstddef>

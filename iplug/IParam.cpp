@@ -18,7 +18,7 @@ int PrecisionOfStep(double step) {
   return decimals;
 }
 
-// The arguments stand so that what is not a number gives the lower bound.
+// The order of the arguments makes NaN the lower bound.
 double Clamp(double value, double lo, double hi) { return std::max(lo, std::min(value, hi)); }
 
 }  // namespace
@@ -74,8 +74,8 @@ double IParam::FromNormalized(double normalized) const {
 void IParam::SetNormalized(double normalized) {
   double v = FromNormalized(normalized);
   if (mType != kTypeDouble) v = std::floor(v / mStep + 0.5) * mStep;
-  // kept: no lower clamp, since 0 and above cannot go below the lower bound. What is not a number
-  // goes to that bound, so that none is ever stored.
+  // kept: no lower clamp, because a saved session may hold a value that a host sent from below 0,
+  // and it must sound the same. NaN becomes the lower bound and so is never stored.
   Store(std::isnan(v) ? mMin : std::min(v, mMax));
 }
 
@@ -104,7 +104,8 @@ void IParam::GetDisplayForHost(double value, bool normalized, char* rDisplay,
     }
   }
   if (mNegateDisplay) value = -value;
-  // kept: without decimals the value is truncated, where SetNormalized rounds.
+  // kept: without decimals the value is truncated, although SetNormalized rounds. Hosts store these
+  // texts and look values up by them.
   if (mDisplayPrecision == 0) value = SaturateToInt(value);
   FixedText(rDisplay, kTextSize, value, mDisplayPrecision);
 }

@@ -1,4 +1,5 @@
-// One automatable value of a plug-in.
+// One automatable value of a plug-in. Tolmara uses the kinds bool, int and double with linear
+// tapers, and display texts.
 #pragma once
 
 #include <atomic>
@@ -28,7 +29,7 @@ class IParam {
   void InitDouble(const char* name, double defaultVal, double minVal, double maxVal, double step,
                   const char* label = "", const char* group = "");
 
-  // Clamps to the range; what is not a number becomes the lower bound. No rounding to the step.
+  // Clamps to the range; NaN becomes the lower bound. No rounding to the step.
   void Set(double value);
   // Takes 0 to 1 through the taper; rounds to the step unless the kind is double.
   void SetNormalized(double normalized);

@@ -1,4 +1,6 @@
-// The half of a plug-in that knows no host interface.
+// The half of a plug-in that knows no host interface. Tolmara uses parameters, one stereo pair of
+// channels, preset slots filled from values, state and the editor; it uses no MIDI, transport,
+// latency, bus label, preset file or preset text.
 #pragma once
 
 #include <cstdint>
@@ -56,7 +58,7 @@ class IPlugBase {
   // `rName` has room for 64 bytes.
   virtual bool MidiNoteName(int noteNumber, char* rName);
   virtual bool SerializeState(ByteChunk* chunk) { return SerializeParams(chunk); }
-  // Returns the position behind the state, -1 when the chunk was too short.
+  // Returns the position after the state, -1 when the chunk was too short.
   virtual int UnserializeState(ByteChunk* chunk, int startPos) {
     return UnserializeParams(chunk, startPos);
   }
@@ -107,7 +109,7 @@ class IPlugBase {
   void SetHost(const char* productString, std::uint32_t version);
 
   // Timing.
-  // As the host told it, whatever that is: 0 and numbers of no sense stand for none.
+  // As the host gave it, unchecked: 0 and implausible values mean unknown.
   void SetSampleRate(double sampleRate) { mSampleRate = sampleRate; }
   double GetSampleRate() const { return mSampleRate; }
   int GetBlockSize() const { return mBlockSize; }
@@ -195,13 +197,13 @@ class IPlugBase {
 
  protected:
   // Process entries of the adapter, under the lock. `n` host pointers, of which one is taken for
-  // each connected channel, advanced by `offset` samples; a null pointer stands for silence or for
+  // each connected channel, advanced by `offset` samples; a null pointer means silence or
   // nowhere.
   void AttachInputBuffers(int idx, int n, double** ppData, int nFrames, int offset = 0);
   void AttachInputBuffers(int idx, int n, float** ppData, int nFrames, int offset = 0);
   void AttachOutputBuffers(int idx, int n, double** ppData, int offset = 0);
   void AttachOutputBuffers(int idx, int n, float** ppData, int offset = 0);
-  // The unnamed argument only tells the precision.
+  // The unnamed argument only selects the precision.
   void ProcessBuffers(double, int nFrames);
   void ProcessBuffers(float, int nFrames);
   void ProcessBuffersAccumulating(float, int nFrames);

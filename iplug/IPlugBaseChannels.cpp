@@ -120,7 +120,8 @@ const char* IPlugBase::GetInputLabel(int idx) const { return GetLabel(mInChannel
 const char* IPlugBase::GetOutputLabel(int idx) const { return GetLabel(mOutChannels, idx); }
 
 void IPlugBase::SetInputBusLabel(int idx, const char* label) {
-  // kept: two input buses at most, where outputs have no limit
+  // kept: only two input buses have labels, the main input and the side chain. Hosts would show a
+  // third label as a bus that is not there. Outputs have no limit.
   if (idx == 0 || idx == 1) SetBusLabel(mInputBusLabels, idx, label);
 }
 

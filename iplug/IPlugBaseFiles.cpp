@@ -15,7 +15,7 @@ std::vector<std::uint8_t> Bytes(const ByteChunk& chunk) {
   return {data, data + chunk.Size()};
 }
 
-// The chunk of a file and where its state begins: behind the header, if it has one.
+// The chunk of a file and where its state begins: after the header, if it has one.
 struct FileChunk {
   explicit FileChunk(const std::vector<std::uint8_t>& bytes) {
     mChunk.PutBytes(bytes.data(), static_cast<int>(bytes.size()));
@@ -111,7 +111,8 @@ bool IPlugBase::ReadBankFile(const std::uint8_t* data, std::size_t size) {
   BankFile bank;
   const FxpExpected format{mUniqueID, NParams(), mStateChunks};
   const FxpFault fault = ParseBankFile(data, size, format, &bank);
-  // kept: a file too short for any test counts as a bank without programs
+  // kept: a file too short for any test counts as a bank without programs. Users load such a file
+  // to get the current program back as it was saved.
   const bool empty = size < 4;
   {
     const PlugLock::Guard lock(mLock);
@@ -119,7 +120,8 @@ bool IPlugBase::ReadBankFile(const std::uint8_t* data, std::size_t size) {
       FileChunk chunk(bank.chunk);
       UnserializePresets(&chunk.mChunk, chunk.mPos);
     } else {
-      // kept: programs in front of a damaged one are already stored when the bank is refused
+      // kept: the programs before a damaged one are stored although the bank is refused, so that
+      // users can rescue them from the damaged file.
       for (int i = 0; i < static_cast<int>(bank.programs.size()); ++i) {
         const ProgramFile& program = bank.programs[static_cast<std::size_t>(i)];
         RestorePreset(i);

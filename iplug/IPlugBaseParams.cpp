@@ -9,7 +9,8 @@ void IPlugBase::SetParameterFromGUI(int idx, double normalizedValue) {
   Trace("SetParameterFromGUI", __LINE__, "%d:%f", idx, normalizedValue);
   IParam* param = GetParam(idx);
   if (!param) return;
-  // kept: this host calls back into the plug-in from inside the notice, which must find it unlocked
+  // kept: this host calls the plug-in back during the notice, from another of its threads, which
+  // would wait for the lock for ever.
   const bool informUnlocked = GetHost() == kHostFL;
   {
     const PlugLock::Guard lock(mLock);
@@ -46,7 +47,9 @@ int IPlugBase::UnserializeParams(ByteChunk* chunk, int startPos) {
   int pos = startPos;
   for (int i = 0; i < NParams() && pos >= 0; ++i) {
     IParam* param = GetParam(i);
-    double value = 0.0;  // kept: what the first parameter without data takes
+    // kept: the first parameter without data becomes 0, so that presets of shorter, older versions
+    // sound as they always have.
+    double value = 0.0;
     pos = chunk->Get(&value, pos);
     param->Set(value);
     Trace("UnserializeParams", __LINE__, "%d %s %f", i, param->GetNameForHost(), value);

@@ -158,7 +158,9 @@ bool IPlugBase::SerializePresets(ByteChunk* chunk) {
 }
 
 int IPlugBase::UnserializePresets(ByteChunk* chunk, int startPos) {
-  HeapString name;  // kept: a preset without a name of its own takes that of the preset before
+  // kept: a preset saved without a name takes that of the preset before it, because hosts show and
+  // store these names for saved banks.
+  HeapString name;
   int pos = startPos;
   for (int i = 0; i < NPresets() && pos >= 0; ++i) {
     IPreset* preset = mPresets.Get(i);

@@ -1,4 +1,5 @@
-// Small records that pass between host adapter, base class and product.
+// Small records that pass between host adapter, base class and product. Tolmara uses the channel
+// records; it has no use for transport and MIDI.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +27,7 @@ struct OutChannel {
   HeapString mLabel;
 };
 
-// The host's transport; a field that the host did not tell keeps what the caller put there.
+// The host's transport; a field that the host did not give keeps what the caller put there.
 struct ITimeInfo {
   double mTempo = 120.0;     // beats per minute
   double mSamplePos = -1.0;  // samples

@@ -1,4 +1,4 @@
-// One preset slot.
+// One preset slot. Tolmara uses all of it.
 #pragma once
 
 #include "iplug/ByteChunk.h"

@@ -1,4 +1,5 @@
-// A delay of whole samples for several channels.
+// A delay of whole samples for several channels. Tolmara makes none: it reports no latency, so it
+// has no by-pass to delay.
 #pragma once
 
 #include <vector>

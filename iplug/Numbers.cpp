@@ -29,7 +29,7 @@ void FixedText(char* out, int size, double value, int decimals) {
 
 namespace {
 
-// What a number too large or too small for a double stands for.
+// The value of a number that is too large or too small for a double.
 double OutOfRange(const char* begin, const char* end) {
   const char* exponent = std::find_if(begin, end, [](char c) { return c == 'e' || c == 'E'; });
   const bool tiny =

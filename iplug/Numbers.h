@@ -1,5 +1,5 @@
-// Conversions of numbers and text that cannot go wrong: whatever the value, the buffer or the
-// user's locale.
+// Conversions of numbers and text that are defined for every value, buffer size and locale. Tolmara
+// uses all of it.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +20,6 @@ void CopyText(char (&out)[kSize], const char* text) {
 // Writes as "%.*f" does under a decimal point, cut to `size` bytes with its end mark.
 void FixedText(char* out, int size, double value, int decimals);
 
-// Reads as atof does under a decimal point: leading blanks and a sign may stand in front, reading
-// stops where no number goes on, and 0 is the answer where none begins. Null counts as empty.
+// Reads like atof with a decimal point: skips leading blanks, takes a sign, and stops at the first
+// character that does not belong to the number. 0 for a text without a number and for null.
 double NumberFromText(const char* text);

@@ -1,4 +1,4 @@
-// The plug-in's recursive lock.
+// The plug-in's recursive lock. Tolmara uses all of it.
 #pragma once
 
 #include <atomic>

@@ -153,7 +153,9 @@ class Tolmara : public IPlugVST {
   int mLowCutTaps = 0;
   AlignedVector<DimSetting> mDims;  // always five
   std::unique_ptr<StereoPanner<float>> mPanner;
-  float mPrevMidSide = 0.0f;  // settings and coefficients of the last block
+  // What the four stereo stages keep of the last block. The phase filter has memories as well and
+  // so a struct of its own; width, gain and mix need only these settings and coefficients.
+  float mPrevMidSide = 0.0f;
   float mPrevMidCoef = 0.5f;
   float mPrevSideCoef = 0.5f;
   PhaseFilterState mPhaseFilter;

@@ -1,4 +1,5 @@
-// The product's dial: a dot on a round track with the value written inside.
+// The product's dial: a dot on a round track with the value written inside. Tolmara uses the arc
+// with the dot, not the ring, the full turn or the filmstrip.
 #pragma once
 
 #include "graphics/controls/IKnobControls.h"

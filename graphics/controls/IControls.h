@@ -1,4 +1,5 @@
-// Plain stock controls: panels, bitmaps, switches, radio buttons.
+// Plain stock controls: panels, bitmaps, switches, radio buttons. Tolmara uses the bitmap and the
+// switch.
 #pragma once
 
 #include <vector>

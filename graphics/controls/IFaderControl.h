@@ -1,4 +1,4 @@
-// A handle on a straight track.
+// A handle on a straight track. Tolmara uses it horizontally, under IFaderMultiControlText.
 #pragma once
 
 #include "graphics/controls/IControls.h"

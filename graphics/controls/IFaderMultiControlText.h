@@ -1,4 +1,4 @@
-// The product's fader: the value rides on the handle.
+// The product's fader: the value rides on the handle. Tolmara uses all of it.
 #pragma once
 
 #include "graphics/controls/IFaderControl.h"

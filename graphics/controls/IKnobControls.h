@@ -1,4 +1,5 @@
-// Stock knobs: dragged along one direction, drawn in four ways.
+// Stock knobs: dragged along one direction, drawn in four ways. Tolmara uses only the base,
+// IKnobControl, for its dial.
 #pragma once
 
 #include "graphics/controls/IControls.h"

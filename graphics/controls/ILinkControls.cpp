@@ -1,4 +1,4 @@
-// Web pages and file dialogs behind a press.
+// Presses that open web pages and file dialogs.
 #include "graphics/controls/ILinkControls.h"
 
 #include "graphics/IGraphics.h"

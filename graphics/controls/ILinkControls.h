@@ -1,4 +1,5 @@
-// Stock controls that reach out of the editor: web pages and files.
+// Stock controls that reach out of the editor: web pages and files. Tolmara uses the links, not the
+// file selectors.
 #pragma once
 
 #include "graphics/IControl.h"

@@ -8,7 +8,7 @@
 
 namespace {
 
-// kept: "1 Blocks" is spelled like its neighbours.
+// kept: "1 Blocks" is spelled like its neighbours, because users and their notes know it so.
 constexpr const char* kFFTSizes[] = {"0 Blocks",  "1 Blocks",  "2 Blocks", "3 Blocks", "4 Blocks",
                                      "5 Blocks",  "6 Blocks",  "7 Blocks", "8 Blocks", "9 Blocks",
                                      "10 Blocks", "11 Blocks", "12 Blocks"};
@@ -32,7 +32,8 @@ void IPopupMenuControl::OnMouseDown(int, int, IMouseMod*) {
   } else if (menu == &mAuxMenu) {
     mAuxMenu.CheckItemAlone(mAuxMenu.GetChosenItemIdx());
   }
-  // kept: the present value goes to the plug-in in any case, chosen or not.
+  // kept: the present value goes to the plug-in whether or not one was chosen. A host that records
+  // automation relies on a value between the begin and the end of an edit.
   MarkRedraw();
   SetDirty(true);
 }

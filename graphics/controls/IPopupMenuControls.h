@@ -1,4 +1,5 @@
-// The product's three pop-up menus, which show their choice as text.
+// The product's three pop-up menus, which show their choice as text. Tolmara uses all of it but the
+// second menu.
 #pragma once
 
 #include <span>

@@ -1,4 +1,5 @@
-// Stock controls that show text.
+// Stock controls that show text. Tolmara uses none of it: its texts belong to dials, faders and
+// menus.
 #pragma once
 
 #include "graphics/IControl.h"

@@ -1,4 +1,4 @@
-// Bitmaps: the interface that everything draws on, and its two kinds.
+// Bitmaps: the interface that everything draws on, and its two kinds. Tolmara uses all of it.
 #pragma once
 
 #include <cstddef>

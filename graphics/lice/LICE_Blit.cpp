@@ -40,7 +40,7 @@ void CopyRow(LICE_pixel* d, const LICE_pixel* s, int n) {
 }
 
 // kept: the half weight rounds each operand down by itself, which differs from the copy mode at
-// 128 / 256 by up to one step; pictures at half weight have always been mixed so.
+// 128 / 256 by up to one step; pictures at half weight must look the same.
 void HalveRow(LICE_pixel* d, const LICE_pixel* s, int n) {
   for (int i = 0; i < n; ++i) d[i] = (s[i] >> 1 & 0x7F7F7F7F) + (d[i] >> 1 & 0x7F7F7F7F);
 }

@@ -1,4 +1,4 @@
-// Text on bitmaps, from a cache of glyph images.
+// Text on bitmaps, from a cache of glyph images. Tolmara uses all of it.
 #pragma once
 
 #include <memory>
@@ -28,8 +28,8 @@ constexpr int LICE_CentredLeft(int left, int right, int width) {
 }
 
 // A font as text is drawn with: glyphs are rendered at their first use and kept, sorted by
-// character code. One thread at a time: who shares a font holds a lock from the choice of the
-// colour to the end of the text that it is meant for.
+// character code. One thread at a time: threads that share a font hold a lock from the choice of
+// the colour to the end of its text.
 class LICE_CachedFont {
  public:
   LICE_CachedFont() = default;

@@ -1,4 +1,4 @@
-// Circles, arcs and rounded rectangles: figures that are told by how much of a pixel they cover.
+// Circles, arcs and rounded rectangles: figures given by how much of a pixel they cover.
 #include <cmath>
 #include <numbers>
 

@@ -1,4 +1,5 @@
-// Everything that paints on a bitmap.
+// Everything that paints on a bitmap. Tolmara uses LICE_Blit, LICE_FillRect, LICE_Line, LICE_Circle
+// and LICE_FillCircle.
 //
 // Throughout: a null or empty bitmap, a weight `alpha` of 0 or NaN and a coordinate that is NaN
 // paint nothing; all clips to the bitmap, whatever the coordinates. An integer coordinate is the

@@ -1,4 +1,4 @@
-// Reading PNG images.
+// Reading PNG images. Tolmara loads its pictures from files.
 #pragma once
 
 #include <cstddef>

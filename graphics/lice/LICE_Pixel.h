@@ -1,4 +1,4 @@
-// The pixel word and the blit mode word of the rasteriser.
+// The pixel word and the blit mode word of the rasteriser. Tolmara uses the modes copy and add.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// The platform's font: one face at one size, as glyph images.
+// The platform's font: one face at one size, as glyph images. Tolmara uses upright text in grey
+// levels.
 #pragma once
 
 #include <memory>
@@ -15,7 +16,7 @@ struct LICE_FontRequest {
   int quality = 0;      // 3: black and white; others: 256 levels
 };
 
-// A glyph's coverage, one byte per pixel, rows from the top, and where it stands at the pen.
+// A glyph's coverage, one byte per pixel, rows from the top, and its place relative to the pen.
 struct LICE_GlyphImage {
   int left = 0;  // first column, to the right of the pen
   int top = 0;   // first row, upward from the baseline

@@ -1,7 +1,7 @@
 // Decoding of UTF-8.
 #pragma once
 
-// What stands for a byte that belongs to no character.
+// The answer for a byte that belongs to no character.
 inline constexpr char32_t LICE_NO_CHARACTER = 0xFFFFFFFF;
 
 // Takes the next character, or one byte that belongs to none, off the text from `p` to `end`, which

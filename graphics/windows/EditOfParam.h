@@ -1,4 +1,4 @@
-// An edit of a parameter as the host hears of it.
+// An edit of a parameter, announced to the host.
 #pragma once
 
 #include "iplug/IPlugBase.h"

@@ -1,10 +1,10 @@
-// What of a window a frame asks for.
+// The area of the window that a frame redraws.
 #pragma once
 
 #include "graphics/IGraphicsTypes.h"
 
-// kept: one pixel more on the right and below than the controls that changed, as the request
-// counts both ends.
+// kept: one pixel more on the right and below than the controls that changed, because a line at the
+// right or lower edge of a rectangle lies just outside it and would leave a trace.
 constexpr IRECT FrameArea(const IRECT& dirty) {
   return {dirty.L, dirty.T, dirty.R + 1, dirty.B + 1};
 }

@@ -1,4 +1,4 @@
-// The plug-in lock, out of the way while somebody waits.
+// Giving up the plug-in lock during a wait.
 #pragma once
 
 #include <optional>

@@ -6,7 +6,8 @@
 
 namespace {
 
-// kept: where the canvas takes the mouse to be, against where the window has it.
+// kept: the canvas takes the mouse to be this far up and left of its place in the window. Without
+// it every press would hit beside the point that users are used to.
 constexpr int kOffsetX = 2;
 constexpr int kOffsetY = 3;
 
@@ -51,7 +52,7 @@ void MouseRouter::Press(EMouseButton button, int clicks, const MouseInput& input
     const int param = ParamAt(X(), Y());
     mGraphics.OnMouseDown(X(), Y(), &mod);
     mEditing = param >= 0;
-    // Who opened a menu has let go of the mouse, so that no release would end its edit.
+    // A control that opened a menu has released the mouse, so that no release would end its edit.
     if (mGraphics.GetMouseCapture() < 0) EndEdit(param);
   }
   if (mSwallowed) Cancel();
@@ -76,8 +77,8 @@ void MouseRouter::EndPress() {
     mGraphics.OnMouseUp(X(), Y(), &mod);
     return;
   }
-  // No edit began, so none ends; the control still hears that the button is up, but not the one
-  // that happens to lie where a menu was.
+  // No edit began, so none ends. The control still learns that the button is up, but not a control
+  // that merely lies where a menu was.
   const bool wasMenu = mSwallowed && mGraphics.GetMouseCapture() < 0;
   IControl* control = wasMenu ? nullptr : mGraphics.ControlAt(X(), Y());
   mGraphics.ReleaseMouseCapture();
@@ -90,7 +91,7 @@ void MouseRouter::Cancel() {
 
 void MouseRouter::Motion(const MouseInput& input, bool dragging) {
   if (IsPressed() && !Holds(input, mButton)) Cancel();
-  // The same place can be told twice, by an entry and by the motion that led to it.
+  // The same place can come twice, with an entry and with the motion that caused it.
   const bool isNews = !mIsInside || X() != input.x || Y() != input.y;
   mIsInside = true;
   mInput = input;

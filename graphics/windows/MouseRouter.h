@@ -18,8 +18,8 @@ struct MouseInput {
   static MouseInput At(int x, int y);
 };
 
-// Routes presses, drags and wheel steps, one button at a time, so that the host hears exactly one
-// end for each beginning of an edit, whatever becomes of the release.
+// Routes presses, drags and wheel steps, one button at a time, so that the host gets exactly one
+// end for each begin of an edit, also when the release is lost.
 class MouseRouter {
  public:
   explicit MouseRouter(IGraphics& graphics) : mGraphics(graphics) {}

@@ -12,7 +12,7 @@ namespace {
 // The number at the head of a text, without its fraction; saturates.
 long WholeNumber(const std::u32string& text) {
   constexpr long kLimit = 1L << 40;
-  size_t i = !text.empty() && (text[0] == U'-' || text[0] == U'+') ? 1 : 0;
+  std::size_t i = !text.empty() && (text[0] == U'-' || text[0] == U'+') ? 1 : 0;
   long value = 0;
   for (; i < text.size() && text[i] >= U'0' && text[i] <= U'9'; ++i) {
     value = std::min(value * 10 + static_cast<long>(text[i] - U'0'), kLimit);

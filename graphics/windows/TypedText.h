@@ -1,4 +1,4 @@
-// What a text field takes, and what becomes of its text.
+// Which text a field takes, and how the text becomes a value.
 #pragma once
 
 #include <string>

@@ -84,7 +84,8 @@ void IGraphicsX11::PromptForFile(HeapString* file, int action, HeapString* dir,
 }
 
 bool IGraphicsX11::OpenURL(const char* url, const char* errMsg) {
-  // kept: what can be no address counts as opened. A leading dash would be an option.
+  // kept: a text that cannot be an address counts as opened, so that a link without one shows no
+  // error. A leading dash would be an option of the program.
   if (!url || !*url || *url == '-') return true;
   const LockPause pause(GetPlug());
   const bool opened = RunInBackground({"xdg-open", url});

@@ -37,7 +37,7 @@ class X11Editor {
   bool ShowCanvas(const IRECT& rect);  // false when there is no window any more
   void Resize(int width, int height);
   IPopupMenu* RunMenu(IPopupMenu& menu, X11Point corner);  // in window coordinates
-  X11Point MiddleFor(const IPopupMenu& menu) const;        // where it stands in the middle
+  X11Point MiddleFor(const IPopupMenu& menu) const;        // where it lies in the middle
   void OpenTextEntry(IControl* control, const IText& style, const IRECT& rect, const char* str,
                      IParam* param);
   void EndTextEntry();  // without its text
@@ -104,6 +104,6 @@ class X11Editor {
   bool mLossIsKnown = false;
 
   bool mHasFocus = false;
-  xcb_window_t mFocusBefore = XCB_NONE;  // who had it
+  xcb_window_t mFocusBefore = XCB_NONE;  // the window that had it
   uint16_t mFocusRequest = 0;            // sequence number of the last time it was taken
 };

@@ -13,7 +13,7 @@ const T& As(const xcb_generic_event_t& event) {
 // Buttons 4 and 5 are the wheel, up and down.
 int WheelDistance(xcb_button_t button) { return button == 4 ? 1 : button == 5 ? -1 : 0; }
 
-// Wheels go sideways and mice have more buttons; all that is nobody's.
+// False for sideways wheels and extra buttons, which do nothing here.
 bool IsOfUse(xcb_button_t button) { return button <= 5; }
 
 bool IsOfGrab(uint8_t mode) {
@@ -141,7 +141,7 @@ void X11Editor::OnEnter(const xcb_enter_notify_event_t& event) {
   mMouse.Motion(InputOf(event), false);
 }
 
-// Who grabs the mouse does not move it. When a grab ends, that of a drag too, it may be elsewhere.
+// The begin of a grab does not move the mouse. At the end of one, also of a drag, it may have left.
 void X11Editor::OnLeave(const xcb_leave_notify_event_t& event) {
   if (mMenu || mInDialog || event.mode == XCB_NOTIFY_MODE_GRAB) return;
   if (event.detail != XCB_NOTIFY_DETAIL_INFERIOR) mMouse.Leave();
@@ -166,8 +166,8 @@ void X11Editor::OnKeyInField(const X11Key& key, const xcb_key_press_event_t& eve
   }
 }
 
-// Keys that nobody here has a use for are the host's, but for those that it sent here itself: each
-// would pass them to the other for ever.
+// Passes keys that no control takes to the host, except those that the host itself sent here:
+// editor and host would pass them to each other for ever.
 void X11Editor::PassOn(const xcb_key_press_event_t& event) {
   if (IsSent(event)) return;
   xcb_key_press_event_t copy = event;
@@ -232,8 +232,8 @@ void X11Editor::GiveFocusBack() {
   xcb_set_input_focus(mConnection.Get(), XCB_INPUT_FOCUS_PARENT, FocusHeir(), mTime);
 }
 
-// Who had it, but a window that has gone cannot take it. The first two numbers are no windows: then
-// nobody had it, or whoever the mouse is over.
+// The window that had the focus before, or the parent when that window is gone. The two lowest
+// numbers are no windows: no window had it, or the one under the mouse.
 xcb_window_t X11Editor::FocusHeir() {
   if (mFocusBefore <= XCB_INPUT_FOCUS_POINTER_ROOT || mEnding.IsNear()) return mFocusBefore;
   const auto attributes = mConnection.Await<xcb_get_window_attributes_reply_t>(

@@ -23,7 +23,9 @@ constexpr Host kHosts[] = {
     {"cakewalk", kHostSonar, "Sonar"},
     {"samplitude", kHostSamplitude, "Samplitude"},
     {"fruity", kHostFL, "FLStudio"},
-    {"live", kHostAbletonLive, "Live"},  // kept: any product that holds these four letters
+    // kept: any product whose name holds these four letters, because hosts that came to be treated
+    // so would meet another behaviour.
+    {"live", kHostAbletonLive, "Live"},
     {"melodyne", kHostMelodyne, "Unknown"},
     {"vstmanlib", kHostVSTScanner, "VSTScanner"},
     {"aulab", kHostAULab, "AULab"},
@@ -58,7 +60,7 @@ int LookUpHost(const char* productString) {
 }
 
 void GetHostNameStr(int code, char* name) {
-  const char* text = code == kHostVegas ? "Vegas" : "Unknown";  // no product string leads to it
+  const char* text = code == kHostVegas ? "Vegas" : "Unknown";  // the table has no row for Vegas
   for (const Host& host : kHosts) {
     if (host.mCode == code) text = host.mName;
   }

@@ -1,4 +1,5 @@
-// The hosts that the plug-in knows by the product string they tell.
+// The hosts that the plug-in recognises by their product strings. Tolmara uses the codes of hosts
+// that need another treatment, but shows no host name.
 #pragma once
 
 enum EHost {

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int kFirstBlockSize = 1024;  // until the host tells one
+constexpr int kFirstBlockSize = 1024;  // until the host announces one
 
 // Arrangements of none, one and two channels have numbers; all larger ones are "of the user".
 int SpeakerType(int nChannels) { return nChannels < 3 ? nChannels - 1 : -2; }

@@ -1,4 +1,5 @@
-// The half of a plug-in that speaks the VST2 interface.
+// The half of a plug-in that speaks the VST2 interface. Tolmara uses all of it but MIDI and the
+// transport.
 #pragma once
 
 #include <cstdint>

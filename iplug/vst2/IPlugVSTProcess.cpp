@@ -13,7 +13,7 @@ IPlugVST* PlugOf(const AEffect* effect) {
 
 }  // namespace
 
-// Blocks longer than announced run in pieces, as no buffer here holds more.
+// Blocks longer than announced run in pieces, because no buffer here holds more.
 template <typename T, typename Run>
 void IPlugVST::RunBlocks(T** inputs, T** outputs, int nFrames, Run run) {
   if (nFrames <= 0 || (!inputs && NInChannels() > 0) || (!outputs && NOutChannels() > 0)) return;
@@ -59,7 +59,7 @@ float IPlugVST::GetParameter(AEffect* effect, std::int32_t index) {
 }
 
 void IPlugVST::SetParameter(AEffect* effect, std::int32_t index, float value) {
-  // What is not a number counts as 0, for the editor as for the parameter.
+  // NaN counts as 0, for the editor and for the parameter.
   const double normalized = std::isnan(value) ? 0.0 : static_cast<double>(value);
   Trace("VSTSetParameter", __LINE__, "%d:%f", index, normalized);
   IPlugVST* plug = PlugOf(effect);

@@ -86,7 +86,7 @@ VstIntPtr IPlugVST::Dispatcher(AEffect* effect, std::int32_t opcode, std::int32_
       return answer ? answer(*plug, {opcode, index, value, ptr, opt}) : 0;
     }
   }
-  // The lock goes with the object. An open editor goes first, while what it calls still stands.
+  // The lock dies with the object. An open editor closes first, while the object it calls exists.
   plug->CloseEditorWindow();
   delete plug;
   return 0;
@@ -115,7 +115,8 @@ VstIntPtr VSTDispatch::SetBlockSize(IPlugVST& plug, const VSTCall& call) {
 VstIntPtr VSTDispatch::MainsChanged(IPlugVST& plug, const VSTCall& call) {
   const bool on = call.value != 0;
   plug.OnActivate(on);
-  // kept: playback restarts from cleared memories because switching off resets, not switching on
+  // kept: switching off resets, switching on does not. Playback starts from silence either way, and
+  // a host that switches on during playback does not cut the sound.
   if (!on) plug.Reset();
   return 0;
 }

@@ -1,4 +1,5 @@
-// The host's opcodes, for the adapter's sources only.
+// The host's opcodes, for the adapter's sources only. Tolmara answers all of them; events and key
+// names go nowhere.
 #pragma once
 
 #include "iplug/vst2/IPlugVST.h"

@@ -65,7 +65,8 @@ VstIntPtr VSTDispatch::SetChunk(IPlugVST& plug, const VSTCall& call) {
   int pos = 0;
   const int version = GetIPlugVerFromChunk(&chunk, &pos);
   if (isPreset || version < kIPlugVersion) {
-    // kept: a bank without header is the one preset that earlier versions saved
+    // kept: a bank without header is a single preset. Earlier versions saved it so, and their
+    // sessions must load.
     pos = plug.UnserializeState(&chunk, pos);
     plug.ModifyCurrentPreset();
   } else {

@@ -260,7 +260,7 @@ static_assert(offsetof(VstTimeInfo, tempo) == 32 && offsetof(VstTimeInfo, flags)
 
 enum VstEventTypes : std::int32_t { kVstMidiType = 1, kVstSysExType = 6 };
 
-// Common head of every event; `type` tells which record it is.
+// Common head of every event; `type` says which record it is.
 struct VstEvent {
   std::int32_t type;
   std::int32_t byteSize;

@@ -6,8 +6,8 @@
 #include "tools/host/PluginHost.h"
 
 // Announces a rate and a block and then feeds blocks of exactly that many frames. Channels in use
-// are the first one or two; a mono sound goes the way of a workstation's mono track: only the first
-// input and output are connected, the other input hears silence. `host` outlives it.
+// are the first one or two. A mono sound is handled like a workstation's mono track: only the first
+// input and output are connected, the other input gets silence. `host` outlives it.
 class BlockRunner {
  public:
   BlockRunner(PluginHost& host, int channels, double rate, int block);
@@ -17,9 +17,9 @@ class BlockRunner {
   // later by the difference of the blocks is delayed by a block. Call before the settings are made.
   int MeasureDelay();
 
-  // Makes the settings done so far sound from the next frame on, out of silence, the same way each
-  // time: a block of silence lets a background computation begin, and an effect that is then told
-  // another block size and the first one again has to finish it.
+  // Makes the settings done so far sound from the next frame on, out of silence, the same each
+  // time: a block of silence lets a background computation begin, and a change of the block size
+  // and back makes the effect finish it.
   void Settle();
 
   int Block() const { return mBlock; }

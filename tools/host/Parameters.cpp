@@ -1,4 +1,4 @@
-// What an effect tells of its parameters, and setting them by name and real value.
+// What an effect says about its parameters, and setting them by name and real value.
 #include "tools/host/Parameters.h"
 
 #include <algorithm>

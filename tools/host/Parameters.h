@@ -1,4 +1,4 @@
-// What an effect tells of its parameters, and setting them by name and real value.
+// What an effect says about its parameters, and setting them by name and real value.
 #pragma once
 #include <optional>
 #include <string>
@@ -7,7 +7,7 @@
 #include "tools/host/PluginHost.h"
 
 // One parameter as learnt through the interface. A parameter is either numeric, with a range, or
-// made of choices; one whose effect tells neither is set by its position from 0 to 1.
+// made of choices; one whose effect gives neither is set by its position from 0 to 1.
 struct Parameter {
   int id;
   std::string name;
@@ -15,7 +15,7 @@ struct Parameter {
   float value;          // normalised, at the time of asking
   std::string display;  // the same as text
   bool stepped = false;
-  std::string minText, maxText;        // the texts of 0 and 1, "" if the effect does not tell them
+  std::string minText, maxText;        // the texts of 0 and 1, "" if the effect does not give them
   std::optional<double> min{}, max{};  // the same as numbers, if they are
   std::vector<std::string> choices{};  // every text in order, of a parameter without numbers
 
@@ -25,7 +25,7 @@ struct Parameter {
 Parameter LearnParameter(PluginHost& host, int id);
 std::vector<Parameter> LearnParameters(PluginHost& host);
 
-// The text of a normalised value, "" if the effect does not tell it.
+// The text of a normalised value, "" if the effect does not give it.
 std::string DisplayOf(PluginHost& host, int id, float normalised);
 
 // The parameter that a name or an id means. Throws Failure (ExitCode::kSetting), with the nearest

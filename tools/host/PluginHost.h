@@ -20,12 +20,12 @@ class PluginHost {
   PluginHost(const PluginHost&) = delete;
   PluginHost& operator=(const PluginHost&) = delete;
 
-  // Where the plug-in is taken from when nobody says: beside this program, then the usual folders
+  // Where the plug-in is taken from by default: beside this program, then the usual folders
   // for VST2 plug-ins. Throws Failure when it is in none.
   static std::string FindDefault();
 
   const std::string& Path() const { return mPath; }
-  std::string EffectName();  // the file's name if the effect tells none
+  std::string EffectName();  // the file's name if the effect has none
   std::int32_t UniqueId() const { return mEffect->uniqueID; }
   std::int32_t Version() const { return mEffect->version; }
   int NumParams() const { return mEffect->numParams; }
@@ -39,7 +39,7 @@ class PluginHost {
 
   VstIntPtr Dispatch(std::int32_t opcode, std::int32_t index = 0, VstIntPtr value = 0,
                      void* ptr = nullptr, float opt = 0.0f);
-  // The text that an opcode writes, "" if none; `told`, if not null, takes the opcode's result.
+  // The text that an opcode writes, "" if none; `told`, unless null, takes the opcode's result.
   std::string Text(std::int32_t opcode, std::int32_t index = 0, VstIntPtr value = 0,
                    float opt = 0.0f, VstIntPtr* told = nullptr);
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t kMarkOffset = 8;  // of the four letters that tell the kind
+constexpr std::size_t kMarkOffset = 8;  // of the four letters that name the kind
 
 [[noreturn]] void Fail(const std::string& path, const std::string& fault) {
   throw Failure(ExitCode::kInput, path + ": " + fault);

@@ -92,7 +92,7 @@ void RemoveUnfinishedFileOnSignals() {
   struct sigaction action {};
   action.sa_handler = EndOnSignal;
   for (const int signal : kEndingSignals) {
-    // Whoever started us may have asked for a signal to be ignored, as nohup does.
+    // The parent process may have asked for a signal to be ignored, like nohup does.
     struct sigaction former {};
     sigaction(signal, nullptr, &former);
     if (former.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);

@@ -207,8 +207,8 @@ double SoundWriter::Peak_dB() const { return 20 * std::log10(std::max(mPeak, 1e-
 
 void SoundWriter::Finish() {
   const bool closed = sf_close(mFile.release()) == 0;
-  // Not every encoder tells that its last bytes found no room. An Ogg stream without them tells no
-  // length.
+  // Not every encoder reports that its last bytes found no room. An Ogg stream without them reports
+  // no length.
   SF_INFO stored{};
   const SoundHandle again(closed ? sf_open(mOutput.Path().c_str(), SFM_READ, &stored) : nullptr);
   if (!again || stored.frames < mFrames || stored.frames == SF_COUNT_MAX)

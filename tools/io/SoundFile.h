@@ -26,7 +26,8 @@ class SoundReader {
   int Format() const { return mInfo.format; }           // libsndfile's code
 
   // Reads up to `frames` interleaved frames, full scale being 1; fewer only at the end. Throws
-  // Failure (ExitCode::kInput) when the file ends before it announced or holds what is no number.
+  // Failure (ExitCode::kInput) when the file ends before its announced length or holds NaN or
+  // infinity.
   std::int64_t Read(double* interleaved, std::int64_t frames);
 
  private:
@@ -45,7 +46,7 @@ int ChooseFormat(int input, const std::string& output, const std::string& depth,
 
 // A sound being written; it appears under its name with Finish, whole. Integer formats saturate and
 // count the samples that did. Throws Failure (ExitCode::kOutput), or with ExitCode::kPlugin for
-// samples that are no numbers.
+// samples that are NaN or infinite.
 class SoundWriter {
  public:
   SoundWriter(const std::string& path, int format, int channels, int rate);

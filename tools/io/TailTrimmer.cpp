@@ -20,7 +20,7 @@ void TailTrimmer::Take(const double* interleaved, std::int64_t frames, std::int6
   if (mPatience > 0) TakeTail(interleaved + whole * mChannels, frames - whole);
 }
 
-// Keeps peak and quiet count; tells nothing of which frames are written.
+// Keeps peak and quiet count; does not decide which frames are written.
 void TailTrimmer::Follow(const double* interleaved, std::int64_t frames) {
   for (std::int64_t i = 0; i < frames * mChannels; i += mChannels) {
     double level = std::abs(interleaved[i]);

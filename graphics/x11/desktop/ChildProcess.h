@@ -11,7 +11,7 @@
 
 // A program whose output is read through a pipe. It gets neither the host's descriptors nor its
 // signal settings, nor the variables that lead to the host's own libraries. It is started without
-// a copy of the host's process, and whoever ends first, no zombie stays.
+// a copy of the host's process, and leaves no zombie, whichever of the two ends first.
 class ChildProcess {
  public:
   // Looks for `arguments[0]` in PATH. `variables` ("NAME=value") are added to the environment.

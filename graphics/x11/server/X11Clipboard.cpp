@@ -23,7 +23,7 @@ void X11Clipboard::Copy(std::string text, xcb_timestamp_t time) {
   mText = std::move(text);
   const xcb_atom_t clipboard = mConnection.Atom(X11Atom::kClipboard);
   xcb_set_selection_owner(mConnection.Get(), mWindow, clipboard, time);
-  // Refused to who comes late.
+  // Refused to a client that comes late.
   const auto owner = mConnection.Await<xcb_get_selection_owner_reply_t>(
       xcb_get_selection_owner(mConnection.Get(), clipboard));
   mIsOurs = owner && owner->owner == mWindow;
@@ -62,7 +62,7 @@ void X11Clipboard::Serve(const xcb_selection_request_event_t& request) {
                  reinterpret_cast<const char*>(&answer));
 }
 
-// The property if the text stands in it, else none.
+// The property if it holds the text, else none.
 xcb_atom_t X11Clipboard::Give(const xcb_selection_request_event_t& request, xcb_atom_t property) {
   xcb_connection_t* c = mConnection.Get();
   const xcb_atom_t utf8 = mConnection.Atom(X11Atom::kUtf8String);

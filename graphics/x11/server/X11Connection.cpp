@@ -35,7 +35,7 @@ X11Connection::X11Connection(int wakeFd) : mConnection(nullptr), mWakeFd(wakeFd)
   mConnection = xcb_connect(nullptr, &screen);
   if (!IsOpen()) return;
   FindScreen(screen);
-  // Asked for now and kept by the library, as it waits for these answers without an end.
+  // Asked for now and kept by the library, because it would wait for these answers without limit.
   xcb_get_extension_data(mConnection, &xcb_randr_id);
   xcb_get_maximum_request_length(mConnection);
   InternAtoms();
@@ -69,7 +69,7 @@ void X11Connection::AskForSharedMemory() {
   const xcb_query_extension_reply_t* shm = xcb_get_extension_data(mConnection, &xcb_shm_id);
   if (!shm || !shm->present) return;
   const auto version = Await<xcb_shm_query_version_reply_t>(xcb_shm_query_version(mConnection));
-  // From 1.2 on memory goes over as a file descriptor and leaves nothing behind in the system.
+  // From 1.2 on memory is passed as a file descriptor, so that nothing remains in the system.
   mSharesMemory = version && (version->major_version > 1 || version->minor_version >= 2);
 }
 

@@ -9,7 +9,7 @@ namespace {
 constexpr xcb_keysym_t kNumLockSymbol = 0xFF7F;
 constexpr uint16_t kShift = XCB_MOD_MASK_SHIFT;
 constexpr uint16_t kCapsLock = XCB_MOD_MASK_LOCK;
-constexpr int kGroupShift = 13;  // the layout in use stands in bits 13 and 14 of the state
+constexpr int kGroupShift = 13;  // bits 13 and 14 of the state hold the layout in use
 
 bool IsKeypad(xcb_keysym_t s) { return s >= 0xFF80 && s <= 0xFFBD; }
 

@@ -1,4 +1,5 @@
-// Where windows and monitors are, asked of the server each time: hosts move windows untold.
+// Where windows and monitors are, asked of the server each time, because hosts move windows
+// without a notice.
 #pragma once
 
 #include <xcb/xcb.h>

@@ -19,8 +19,8 @@ struct X11Look {
   X11PixelFormat format;
 };
 
-// A window without background, mapped by whoever made it. A parent that has gone makes one that is
-// not there; whatever is asked of that one comes to nothing.
+// A window without background, mapped by its creator. With a destroyed parent, creation fails
+// silently, and what is asked of the window has no effect.
 class X11Window {
  public:
   enum EKind { kChild, kOverAll };  // the latter is a child of the root that no manager handles

@@ -1,4 +1,4 @@
-// The rows of a menu: what stands where, and which can be chosen.
+// The rows of a menu: their places, and which can be chosen.
 #pragma once
 
 #include <functional>
@@ -19,7 +19,7 @@ class MenuLayout {
  public:
   static constexpr int kRowHeight = 20;
   static constexpr int kPadding = 4;    // above and below the rows, with the border
-  static constexpr int kTextLeft = 22;  // behind the column of the check marks
+  static constexpr int kTextLeft = 22;  // after the column of the check marks
   static constexpr int kIndentation = 12;
 
   // `widthOf` measures a text.
