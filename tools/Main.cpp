@@ -42,15 +42,22 @@ int Fail(const char* line, ExitCode code) {
 
 // The library would only say that a command is missing.
 void RequireKnownCommand(const CLI::App& app, const std::string& name) {
-  if (name == "-h" || name == "--help") return;
+  if (name == "-h" || name == "--help" || name == "-V" || name == "--version") return;
   if (name.starts_with('-'))
     throw Failure(ExitCode::kUsage, "a command comes first, not \"" + name + "\"");
   std::vector<std::string> names;
   for (const CLI::App* const command : app.get_subcommands({}))
     names.push_back(command->get_name());
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
-  throw Failure(ExitCode::kUsage, "no command is called \"" + name + "\"; the nearest is \"" +
-                                      NearestName(name, names) + "\"");
+  throw Failure(ExitCode::kUsage,
+                "no command is called \"" + name + "\"" + Suggestion(name, names));
+}
+
+// "help" and "help render" mean "--help" and "render --help".
+void HelpInsteadOf(std::vector<std::string>& words) {
+  words.erase(words.begin());
+  words.resize(std::min<std::size_t>(words.size(), 1));
+  words.emplace_back("--help");
 }
 
 // What was printed is an output like any other file.
@@ -64,10 +71,13 @@ int Run(int argc, char** argv) {
   CLI::App app{kAbout, "tolmara"};
   app.require_subcommand(1);
   app.footer(kExitCodes);
+  app.set_version_flag("-V,--version", "tolmara " TOLMARA_VERSION, "print the version and exit");
   for (const auto add : kCommands) add(app);
-  if (argc > 1) RequireKnownCommand(app, argv[1]);
+  std::vector<std::string> words(argv + 1, argv + argc);
+  if (!words.empty() && words[0] == "help") HelpInsteadOf(words);
+  if (!words.empty()) RequireKnownCommand(app, words[0]);
   try {
-    app.parse(argc, argv);
+    app.parse({words.rbegin(), words.rend()});
   } catch (const CLI::ParseError& error) {
     // A request for help is one of these too, with a code of 0.
     if (error.get_exit_code() != 0) return Fail(error.what(), ExitCode::kUsage);

@@ -2,6 +2,7 @@
 #include "tools/commands/Settings.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "tools/host/Parameters.h"
 #include "tools/host/StateFiles.h"
@@ -16,15 +17,24 @@ std::string Trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+// -1 for a text that is no whole number.
+int NumberIn(const std::string& text) {
+  int number = -1;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && last == end ? number : -1;
+}
+
 void SelectPreset(PluginHost& host, const std::string& name) {
   const std::vector<std::string> names = host.ProgramNames();
   const auto found = std::find_if(names.begin(), names.end(), [&](const std::string& candidate) {
     return EqualWithoutCase(candidate, name);
   });
-  if (found == names.end())
-    throw Failure(ExitCode::kSetting, "no preset is called \"" + name + "\"; the nearest is \"" +
-                                          NearestName(name, names) + "\"");
-  host.SelectProgram(static_cast<int>(found - names.begin()));
+  const int index = found == names.end() ? NumberIn(name) : static_cast<int>(found - names.begin());
+  if (index < 0 || index >= host.NumPrograms())
+    throw Failure(ExitCode::kSetting,
+                  "no preset is called \"" + name + "\"" + Suggestion(name, names));
+  host.SelectProgram(index);
 }
 
 void MakeSetting(PluginHost& host, const std::string& setting) {
@@ -47,7 +57,9 @@ void AddSettingsOptions(CLI::App& command, Settings& settings) {
 }
 
 void AddValueOptions(CLI::App& command, Settings& settings) {
-  command.add_option("--preset", settings.preset, "begin with this preset")->type_name("NAME");
+  command.add_option("--preset", settings.preset, "begin with this preset, by name or number")
+      ->type_name("NAME")
+      ->check([](const std::string& name) { return name.empty() ? "the name is empty" : ""; }, "");
   command.add_option("--load-fxp", settings.presetFile, "begin with this preset file")
       ->type_name("FILE")
       ->excludes("--preset");

@@ -60,8 +60,8 @@ void KeepOnly(std::vector<NamedProgram>& programs, const std::string& name) {
     programs = {std::move(program)};
     return;
   }
-  throw Failure(ExitCode::kSetting, "the file has no preset \"" + name + "\"; the nearest is \"" +
-                                        NearestName(name, NamesOf(programs)) + "\"");
+  throw Failure(ExitCode::kSetting,
+                "the file has no preset \"" + name + "\"" + Suggestion(name, NamesOf(programs)));
 }
 
 void Show(const ShowOptions& options) {

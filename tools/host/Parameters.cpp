@@ -116,8 +116,7 @@ int FindParameter(PluginHost& host, const std::string& nameOrId) {
     Fail("parameter ids go from 0 to " + std::to_string(host.NumParams() - 1) + "; " + nameOrId +
          " is outside");
   }
-  Fail("no parameter is called \"" + nameOrId + "\"; the nearest is \"" +
-       NearestName(nameOrId, names) + "\"");
+  Fail("no parameter is called \"" + nameOrId + "\"" + Suggestion(nameOrId, names));
 }
 
 void SetParameter(PluginHost& host, int id, const std::string& value) {

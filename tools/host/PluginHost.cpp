@@ -25,19 +25,23 @@ VstIntPtr AnswerText(void* ptr, const char* text) {
   return 1;
 }
 
-// A folder of VST_PATH or of the usual ones; the plug-in may lie in a folder of its own name.
+void AddFolders(std::vector<fs::path>& folders, const char* colonSeparated) {
+  std::string rest = colonSeparated == nullptr ? "" : colonSeparated;
+  while (!rest.empty()) {
+    const std::size_t colon = std::min(rest.find(':'), rest.size());
+    if (colon > 0) folders.emplace_back(rest.substr(0, colon));
+    rest.erase(0, colon + 1);
+  }
+}
+
+// Beside the program, the folders of the environment, the usual ones.
 std::vector<fs::path> SearchFolders() {
   std::vector<fs::path> folders;
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
   if (!program.empty()) folders.push_back(program.parent_path());
-  if (const char* const list = std::getenv("VST_PATH")) {
-    std::string rest = list;
-    while (!rest.empty()) {
-      const std::size_t colon = std::min(rest.find(':'), rest.size());
-      if (colon > 0) folders.emplace_back(rest.substr(0, colon));
-      rest.erase(0, colon + 1);
-    }
+  for (const char* const variable : {"VST_PATH", "LXVST_PATH"}) {
+    AddFolders(folders, std::getenv(variable));
   }
   if (const char* const home = std::getenv("HOME")) {
     folders.push_back(fs::path(home) / ".vst");
@@ -49,15 +53,28 @@ std::vector<fs::path> SearchFolders() {
   return folders;
 }
 
+// The plug-in in the folder or in a folder of any name directly in it; empty if it is in none.
+fs::path FindBelow(const fs::path& folder) {
+  std::error_code ignored;
+  std::vector<fs::path> places = {folder};
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored)) {
+    if (entry.is_directory(ignored)) places.push_back(entry.path());
+  }
+  std::sort(places.begin() + 1, places.end());
+  for (const fs::path& place : places) {
+    if (fs::is_regular_file(place / kPluginFile, ignored)) return place / kPluginFile;
+  }
+  return {};
+}
+
 }  // namespace
 
 void PluginHost::SharedObject::operator()(void* handle) const { dlclose(handle); }
 
 std::string PluginHost::FindDefault() {
-  std::error_code ignored;
   for (const fs::path& folder : SearchFolders()) {
-    for (const fs::path& file : {folder / kPluginFile, folder / "Tolmara" / kPluginFile})
-      if (fs::is_regular_file(file, ignored)) return file.string();
+    const fs::path file = FindBelow(folder);
+    if (!file.empty()) return file.string();
   }
   throw Failure(ExitCode::kPlugin, std::string(kPluginFile) +
                                        " is neither beside this program nor in a folder for VST2 "
@@ -73,9 +90,10 @@ PluginHost::PluginHost(const std::string& path) : mPath(path) {
     const char* const reason = dlerror();
     throw Failure(ExitCode::kPlugin, "cannot load " + path + ": " + (reason ? reason : "unknown"));
   }
-  const auto entry = reinterpret_cast<EntryPoint>(dlsym(mObject.get(), "VSTPluginMain"));
-  Require(entry != nullptr, "is no VST2 plug-in: it exports no VSTPluginMain");
-  Open(entry);
+  void* entry = dlsym(mObject.get(), "VSTPluginMain");
+  if (entry == nullptr) entry = dlsym(mObject.get(), "main");  // the name in older effects
+  Require(entry != nullptr, "is no VST2 plug-in: it exports neither VSTPluginMain nor main");
+  Open(reinterpret_cast<EntryPoint>(entry));
 }
 
 PluginHost::PluginHost(const std::string& name, EntryPoint entry) : mPath(name) { Open(entry); }
@@ -85,7 +103,7 @@ void PluginHost::Open(EntryPoint entry) {
   Require(mEffect != nullptr, "refused to make an effect");
   const bool whole = mEffect->magic == kEffectMagic && mEffect->dispatcher != nullptr &&
                      mEffect->setParameter != nullptr && mEffect->getParameter != nullptr;
-  Require(whole, "is no VST2 plug-in: what its VSTPluginMain returns is no effect");
+  Require(whole, "is no VST2 plug-in: what its entry point returns is no effect");
   mEffect->resvd1 = reinterpret_cast<VstIntPtr>(this);
   Dispatch(effOpen);
 }

@@ -2,7 +2,6 @@
 #include "tools/io/Nearest.h"
 
 #include <algorithm>
-#include <climits>
 #include <numeric>
 
 namespace {
@@ -31,14 +30,14 @@ bool EqualWithoutCase(const std::string& a, const std::string& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), SameLetter);
 }
 
-std::string NearestName(const std::string& name, const std::vector<std::string>& names) {
+std::string Suggestion(const std::string& name, const std::vector<std::string>& names) {
   std::string nearest;
-  int least = INT_MAX;
+  int least = 2 + static_cast<int>(name.size()) / 4;
   for (const std::string& candidate : names) {
     const int distance = EditDistance(name, candidate);
     if (distance >= least) continue;
     least = distance;
     nearest = candidate;
   }
-  return nearest;
+  return nearest.empty() ? "" : "; the nearest is \"" + nearest + "\"";
 }

@@ -9,5 +9,6 @@ int EditDistance(const std::string& a, const std::string& b);
 
 bool EqualWithoutCase(const std::string& a, const std::string& b);
 
-// The entry of `names` nearest to `name`, the first of equals; "" for an empty list.
-std::string NearestName(const std::string& name, const std::vector<std::string>& names);
+// "; the nearest is ..." with the entry of `names` nearest to `name`, the first of equals; "" where
+// none is near enough to have been meant.
+std::string Suggestion(const std::string& name, const std::vector<std::string>& names);

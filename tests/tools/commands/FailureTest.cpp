@@ -95,6 +95,9 @@ TEST_F(FailureTest, NamesTheRangeOrTheNearestNameOfASetting) {
   for (const auto& [setting, line] : cases) ExpectOfRender({"--set", setting}, 4, line);
   ExpectOfRender({"--preset", "Double"}, 4,
                  "no preset is called \"Double\"; the nearest is \"Doubled\"");
+  ExpectOfRender({"--preset", "No Such Place"}, 4, "no preset is called \"No Such Place\"");
+  ExpectOfRender({"--preset", "3"}, 4, "no preset is called \"3\"");
+  ExpectOfRender({"--preset", ""}, 2, "--preset: the name is empty");
 }
 
 TEST_F(FailureTest, NamesWhyASharedObjectCannotBeUsed) {
@@ -102,7 +105,7 @@ TEST_F(FailureTest, NamesWhyASharedObjectCannotBeUsed) {
       {"missing.so", "cannot load missing.so"},
       {"text.so", "cannot load text.so"},
       {"folder", "cannot load folder"},
-      {"no_entry.so", "is no VST2 plug-in: it exports no VSTPluginMain"},
+      {"no_entry.so", "is no VST2 plug-in: it exports neither VSTPluginMain nor main"},
       {"null_entry.so", "refused to make an effect"},
       {"wrong_magic.so", "is no VST2 plug-in: what its VSTPluginMain returns"},
       {"plain_effect.so", "cannot take sound of 2 channels"},
@@ -174,11 +177,15 @@ TEST_F(FailureTest, WritesThroughALinkAndKeepsThePermissionsOfWhatItReplaces) {
 TEST_F(FailureTest, EveryCommandExplainsItselfWithExamples) {
   const std::string help = Works({"--help"});
   EXPECT_NE(help.find("Exit codes:"), std::string::npos);
+  EXPECT_EQ(Works({"help"}), help);
+  EXPECT_EQ(Works({"--version"}), Works({"-V"}));
+  EXPECT_TRUE(Works({"-V"}).starts_with("tolmara 1."));
   for (const char* const command : {"render", "response", "params", "presets", "save-preset",
                                     "save-bank", "show", "screenshot"}) {
     EXPECT_NE(help.find(command), std::string::npos) << command;
     const std::string text = Works({command, "--help"});
     EXPECT_NE(text.find(std::string("  tolmara ") + command), std::string::npos) << command;
+    EXPECT_EQ(Works({"help", command}), text);
   }
 }
 

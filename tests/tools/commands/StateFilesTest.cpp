@@ -23,6 +23,10 @@ TEST_F(StateFilesTest, ListsTellWhatTheEffectTells) {
   const Json presets = JsonOf({"presets"});
   ASSERT_EQ(presets.size(), 3U);
   EXPECT_EQ(presets[2], (Json{{"index", 2}, {"name", "Echoing"}}));
+  for (const auto& [number, name] : {std::pair("1", "Doubled"), std::pair("2", "Echoing")}) {
+    EXPECT_EQ(JsonOf({"params", "--preset", number}), JsonOf({"params", "--preset", name}));
+  }
+  EXPECT_EQ(JsonOf({"params", "--plugin", "main_only.so"}), JsonOf({"params"}));
   const std::string table = Works({"params", "--set", "0=1"});
   EXPECT_NE(table.find("1   Echo    0      0 to 5000     ms"), std::string::npos) << table;
 }

@@ -181,8 +181,16 @@ void ProcessDouble(AEffect* record, double** in, double** out, std::int32_t fram
 
 }  // namespace
 
+// Older effects export their entry point as `main` alone.
+#ifdef TEST_EFFECT_MAIN_ONLY
+#define TEST_ENTRY asm("main")
+#else
+#define TEST_ENTRY
+#endif
 extern "C" __attribute__((visibility("default"))) AEffect* VSTPluginMain(
-    audioMasterCallback callback) {
+    audioMasterCallback callback) TEST_ENTRY;
+
+AEffect* VSTPluginMain(audioMasterCallback callback) {
   if (callback(nullptr, audioMasterVersion, 0, 0, nullptr, 0) < 2) return nullptr;
   auto* const effect = new Effect;
   std::copy_n(kPrograms[0].values, kNumParams, effect->values);
