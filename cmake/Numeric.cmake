@@ -6,7 +6,7 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
   set(TOLMARA_DFT_VARIANTS numeric/dft/x86 numeric/x86)
   # Left to itself the compiler copies pairs of pointers as vectors, which stalls short transforms:
   # a vector load waits for the two narrow stores before it.
-  set(kernels -fno-tree-slp-vectorize)
+  set(kernels -fno-tree-slp-vectorize -mtune=haswell)
   if(TOLMARA_SANITIZE)
     # Checks of what never leaves the registers, which multiply the time to compile by four.
     list(APPEND kernels -fno-sanitize-address-use-after-scope -fno-sanitize=null)
