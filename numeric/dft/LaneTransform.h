@@ -68,102 +68,115 @@ V row_times_matrix(const float* x, const float* matrix) {
   return even + odd;
 }
 
-// Runs body(k) for blocks of B that cover 0 to n - 1, n at least B. The last one is moved back.
-template <int B, class F>
-[[gnu::always_inline]] inline void for_blocks(int n, F body) {
-  for (int k = 0; k < n; k += B) body(std::min(k, n - B));
+// L bins of all lanes, k to k + L - 1, to the bins k + i + M j.
+template <class V>
+[[gnu::always_inline]] inline void lanes_to_bins(const float* weights, Elements z, int last, int k,
+                                                 float* dst) {
+  constexpr int L = V::lanes;
+  V re[L], im[L];
+  unrolled<L>([&](auto i) {
+    const Weights<V> w(weights, k + i);
+    const Cx<V> x = separated(w.p, z.load<V>(k + i), w.q, z.load<V>(last - k - i));
+    re[i] = x.re;
+    im[i] = x.im;
+  });
+  V::transpose(re);
+  V::transpose(im);
+  Cx<V> x[L];
+  unrolled<L>([&](auto l) { x[l] = {re[l], im[l]}; });
+  Butterfly<L, V>::run(x);
+  const std::ptrdiff_t step = 4 * std::ptrdiff_t{last};
+  float* up = dst + 2 * k;
+  float* down = dst + step - 2 * (k + L - 1);
+  unrolled<L / 2>([&](auto j) {
+    V::store_pairs(up + step * j, x[j]);
+    const Cx<V> mirrored = x[L - 1 - j];
+    V::store_reversed_pairs(down + step * j, {mirrored.re, mirrored.im.negated()});
+  });
 }
 
-// From the lanes' pairs z, of which element H repeats element 0, to all bins.
+// The way back, times a factor.
 template <class V>
-void lanes_to_bins(const dft::Spec& spec, Elements z, float* dst) {
+[[gnu::always_inline]] inline void bins_to_lanes(const float* src, int last, int k, V factor,
+                                                 Elements bins) {
+  constexpr int L = V::lanes;
+  const std::ptrdiff_t step = 4 * std::ptrdiff_t{last};
+  const float* up = src + 2 * k;
+  const float* down = src + step - 2 * (k + L - 1);
+  Cx<V> x[L];
+  unrolled<L / 2>([&](auto j) {
+    const Cx<V> a = V::load_pairs(up + step * j), b = V::load_reversed_pairs(down + step * j);
+    x[j] = {a.im, a.re};
+    x[L - 1 - j] = {b.im.negated(), b.re};
+  });
+  Butterfly<L, V>::run(x);
+  V re[L], im[L];
+  unrolled<L>([&](auto l) {
+    re[l] = x[l].im * factor;
+    im[l] = x[l].re * factor;
+  });
+  V::transpose(re);
+  V::transpose(im);
+  unrolled<L>([&](auto i) { bins.store<V>(k + i, {re[i], im[i]}); });
+}
+
+// The bin H of every lane, which is real, to the bins H + M j.
+template <class V>
+void middle_to_bins(const dft::Spec& spec, Elements z, float* dst) {
   constexpr int L = V::lanes;
   const int last = spec.core.length;
-  const std::ptrdiff_t period = 2 * std::ptrdiff_t{last};
-  const float* weights = dft::table(spec, spec.weights);
-  for_blocks<L>(last, [&](int k) {
-    V re[L], im[L];
-    unrolled<L>([&](auto i) {
-      const Weights<V> w(weights, k + i);
-      const Cx<V> x = separated(w.p, z.load<V>(k + i), w.q, z.load<V>(last - k - i));
-      re[i] = x.re;
-      im[i] = x.im;
-    });
-    V::transpose(re);
-    V::transpose(im);
-    Cx<V> x[L];
-    unrolled<L>([&](auto l) { x[l] = {re[l], im[l]}; });
-    Butterfly<L, V>::run(x);
-    unrolled<L / 2>([&](auto j) {
-      V::store_pairs(dst + 2 * (k + period * j), x[j]);
-      const Cx<V> y = x[L - 1 - j];
-      V::store_pairs(dst + 2 * (period * (j + 1) - k - L + 1),
-                     reversed(Cx<V>{y.re, V::set1(0.0F) - y.im}));
-    });
-  });
-  float row[L], middle[L];
+  float row[L], bins[L];
   const Cx<V> first = z.load<V>(0);
   (first.re - first.im).store(row);
-  row_times_matrix<V>(row, dft::table(spec, spec.middle)).store(middle);
-  for (int j = 0; j < L / 2; ++j) {
-    dst[2 * (last + period * j)] = middle[2 * j];
-    dst[2 * (last + period * j) + 1] = middle[2 * j + 1];
+  row_times_matrix<V>(row, dft::table(spec, spec.middle)).store(bins);
+  dst += 2 * last;
+  for (int j = 0; j < L; j += 2, dst += 4 * std::ptrdiff_t{last}) {
+    dst[0] = bins[j];
+    dst[1] = bins[j + 1];
   }
-  dst[1] = 0.0F;
-  dst[spec.length + 1] = 0.0F;
 }
 
-// From all bins to those of the lanes, 0 to H, times a scale.
 template <class V>
-void bins_to_lanes(const dft::Spec& spec, const float* src, float scale, Elements bins) {
+void bins_to_middle(const dft::Spec& spec, const float* src, V factor, Elements bins) {
   constexpr int L = V::lanes;
   const int last = spec.core.length;
-  const std::ptrdiff_t period = 2 * std::ptrdiff_t{last};
-  const V factor = V::set1(scale);
-  for_blocks<L>(last, [&](int k) {
-    Cx<V> x[L];
-    unrolled<L / 2>([&](auto j) {
-      const Cx<V> a = V::load_pairs(src + 2 * (k + period * j));
-      const Cx<V> b = reversed(V::load_pairs(src + 2 * (period * (j + 1) - k - L + 1)));
-      x[j] = {a.im, a.re};
-      x[L - 1 - j] = {V::set1(0.0F) - b.im, b.re};
-    });
-    Butterfly<L, V>::run(x);
-    V re[L], im[L];
-    unrolled<L>([&](auto l) {
-      re[l] = x[l].im * factor;
-      im[l] = x[l].re * factor;
-    });
-    V::transpose(re);
-    V::transpose(im);
-    unrolled<L>([&](auto i) { bins.store<V>(k + i, {re[i], im[i]}); });
-  });
-  float middle[L];
-  for (int j = 0; j < L / 2; ++j) {
-    middle[2 * j] = src[2 * (last + period * j)];
-    middle[2 * j + 1] = src[2 * (last + period * j) + 1];
+  float row[L];
+  src += 2 * last;
+  for (int j = 0; j < L; j += 2, src += 4 * std::ptrdiff_t{last}) {
+    row[j] = src[0];
+    row[j + 1] = src[1];
   }
-  const V zero = V::set1(0.0F);
-  const V row = row_times_matrix<V>(middle, dft::table(spec, spec.middle) + L * L);
-  bins.store<V>(last, {row * factor, zero});
-  // Bin 0 of every lane is real, whatever the imaginary parts of bins 0 and n / 2 hold.
-  bins.store<V>(0, {bins.load<V>(0).re, zero});
+  const V middle = row_times_matrix<V>(row, dft::table(spec, spec.middle) + L * L);
+  bins.store<V>(last, {middle * factor, V::set1(0.0F)});
 }
 
 template <class V>
 void forward_lanes(const dft::Spec& spec, const float* src, float* dst, const Work& work) {
   const Elements a{work.a.re}, b{work.b.re};
-  const bool odd = spec.core.columns.count % 2 != 0;
-  const Elements z = odd ? a : b;
+  const int last = spec.core.length;
+  const Elements z = spec.core.columns.count % 2 != 0 ? a : b;
   run_lanes<V>(spec, FromSamples{src}, a, b, z);
-  z.store<V>(spec.core.length, z.load<V>(0));
-  lanes_to_bins<V>(spec, z, dst);
+  z.store<V>(last, z.load<V>(0));
+  const float* weights = dft::table(spec, spec.weights);
+  for (int k = 0; k < last; k += V::lanes) {
+    lanes_to_bins<V>(weights, z, last, std::min(k, last - V::lanes), dst);
+  }
+  middle_to_bins<V>(spec, z, dst);
+  dst[1] = 0.0F;
+  dst[spec.length + 1] = 0.0F;
 }
 
 template <class V>
 void inverse_lanes(const dft::Spec& spec, const float* src, float* dst, const Work& work) {
   const Elements a{work.a.re}, b{work.b.re};
-  bins_to_lanes<V>(spec, src, 2.0F * spec.inverse_scale / spec.forward_scale, b);
+  const int last = spec.core.length;
+  const V factor = V::set1(2.0F * spec.inverse_scale / spec.forward_scale);
+  for (int k = 0; k < last; k += V::lanes) {
+    bins_to_lanes<V>(src, last, std::min(k, last - V::lanes), factor, b);
+  }
+  // Bin 0 of every lane is real, whatever the imaginary parts of bins 0 and n / 2 hold.
+  b.store<V>(0, {b.load<V>(0).re, V::set1(0.0F)});
+  bins_to_middle<V>(spec, src, factor, b);
   join<V>(spec, b);
   run_lanes<V>(spec, b, a, b, ToSwappedSamples{dst});
 }

@@ -45,6 +45,7 @@ struct Vector8 {
   static Vector8 fms(Vector8 a, Vector8 b, Vector8 c) { return {_mm256_fmsub_ps(a.v, b.v, c.v)}; }
   static Vector8 fnma(Vector8 a, Vector8 b, Vector8 c) { return {_mm256_fnmadd_ps(a.v, b.v, c.v)}; }
 
+  Vector8 negated() const { return {_mm256_xor_ps(v, _mm256_set1_ps(-0.0F))}; }
   Vector8 reversed() const {
     return {_mm256_permutevar8x32_ps(v, _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0))};
   }
@@ -52,6 +53,14 @@ struct Vector8 {
     const __m256 a = halves(p, p + 8), b = halves(p + 4, p + 12);
     return {{_mm256_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0))},
             {_mm256_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1))}};
+  }
+  static Cx<Vector8> load_reversed_pairs(const float* p) {
+    const __m256 a = halves(p + 12, p + 4), b = halves(p + 8, p);
+    return {{_mm256_shuffle_ps(a, b, _MM_SHUFFLE(0, 2, 0, 2))},
+            {_mm256_shuffle_ps(a, b, _MM_SHUFFLE(1, 3, 1, 3))}};
+  }
+  static void store_reversed_pairs(float* p, Cx<Vector8> x) {
+    store_pairs(p, {x.re.reversed(), x.im.reversed()});
   }
   static void store_pairs(float* p, Cx<Vector8> x) {
     const __m256 low = _mm256_unpacklo_ps(x.re.v, x.im.v);

@@ -41,6 +41,7 @@ struct Vector16 {
     return {_mm512_fnmadd_ps(a.v, b.v, c.v)};
   }
 
+  Vector16 negated() const { return {_mm512_xor_ps(v, _mm512_set1_ps(-0.0F))}; }
   Vector16 reversed() const {
     return {_mm512_permutexvar_ps(
         _mm512_setr_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0), v)};
@@ -52,6 +53,21 @@ struct Vector16 {
     const __m512i odd =
         _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
     return {{_mm512_permutex2var_ps(a, even, b)}, {_mm512_permutex2var_ps(a, odd, b)}};
+  }
+  static Cx<Vector16> load_reversed_pairs(const float* p) {
+    const __m512 a = _mm512_loadu_ps(p), b = _mm512_loadu_ps(p + 16);
+    const __m512i even =
+        _mm512_setr_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
+    const __m512i odd =
+        _mm512_setr_epi32(31, 29, 27, 25, 23, 21, 19, 17, 15, 13, 11, 9, 7, 5, 3, 1);
+    return {{_mm512_permutex2var_ps(a, even, b)}, {_mm512_permutex2var_ps(a, odd, b)}};
+  }
+  static void store_reversed_pairs(float* p, Cx<Vector16> x) {
+    const __m512i low =
+        _mm512_setr_epi32(15, 31, 14, 30, 13, 29, 12, 28, 11, 27, 10, 26, 9, 25, 8, 24);
+    const __m512i high = _mm512_setr_epi32(7, 23, 6, 22, 5, 21, 4, 20, 3, 19, 2, 18, 1, 17, 0, 16);
+    _mm512_storeu_ps(p, _mm512_permutex2var_ps(x.re.v, low, x.im.v));
+    _mm512_storeu_ps(p + 16, _mm512_permutex2var_ps(x.re.v, high, x.im.v));
   }
   static void store_pairs(float* p, Cx<Vector16> x) {
     const __m512i low = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);

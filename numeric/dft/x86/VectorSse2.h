@@ -39,11 +39,20 @@ struct Vector4 {
   static Vector4 fnma(Vector4 a, Vector4 b, Vector4 c) { return c - a * b; }
 #endif
 
+  Vector4 negated() const { return {_mm_xor_ps(v, _mm_set1_ps(-0.0F))}; }
   Vector4 reversed() const { return {_mm_shuffle_ps(v, v, _MM_SHUFFLE(0, 1, 2, 3))}; }
   static Cx<Vector4> load_pairs(const float* p) {
     const __m128 a = _mm_loadu_ps(p), b = _mm_loadu_ps(p + 4);
     return {{_mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0))},
             {_mm_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1))}};
+  }
+  static Cx<Vector4> load_reversed_pairs(const float* p) {
+    const __m128 a = _mm_loadu_ps(p), b = _mm_loadu_ps(p + 4);
+    return {{_mm_shuffle_ps(b, a, _MM_SHUFFLE(0, 2, 0, 2))},
+            {_mm_shuffle_ps(b, a, _MM_SHUFFLE(1, 3, 1, 3))}};
+  }
+  static void store_reversed_pairs(float* p, Cx<Vector4> x) {
+    store_pairs(p, {x.re.reversed(), x.im.reversed()});
   }
   static void store_pairs(float* p, Cx<Vector4> x) {
     _mm_storeu_ps(p, _mm_unpacklo_ps(x.re.v, x.im.v));
