@@ -7,6 +7,11 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
   # Left to itself the compiler copies pairs of pointers as vectors, which stalls short transforms:
   # a vector load waits for the two narrow stores before it.
   set(kernels -fno-tree-slp-vectorize -mtune=haswell)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # The kernels are many small functions that must end in one; by default GCC stops when a source
+    # has grown by 40 %.
+    list(APPEND kernels --param=inline-unit-growth=1000)
+  endif()
   if(TOLMARA_SANITIZE)
     # Checks of what never leaves the registers, which multiply the time to compile by four.
     list(APPEND kernels -fno-sanitize-address-use-after-scope -fno-sanitize=null)

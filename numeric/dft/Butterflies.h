@@ -137,6 +137,21 @@ struct Butterfly<3, V> {
 };
 
 template <class V>
+struct Butterfly<6, V> {
+  // Prime factors, without twiddles (I. J. Good, "The interaction algorithm and practical Fourier
+  // analysis", 1958): inputs 3 a + 2 b, outputs 3 c + 4 d.
+  [[gnu::always_inline]] static void run(Cx<V>* x) {
+    Cx<V> even[] = {x[0], x[2], x[4]}, odd[] = {x[3], x[5], x[1]};
+    Butterfly<3, V>::run(even);
+    Butterfly<3, V>::run(odd);
+    unrolled<3>([&](auto d) {
+      x[4 * d % 6] = even[d] + odd[d];
+      x[(3 + 4 * d) % 6] = even[d] - odd[d];
+    });
+  }
+};
+
+template <class V>
 struct Butterfly<5, V> {
   [[gnu::always_inline]] static void run(Cx<V>* x) {
     static constexpr float c1 = 0.30901699437494742410F, c2 = -0.80901699437494742410F;

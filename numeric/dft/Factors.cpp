@@ -70,6 +70,16 @@ std::vector<int> radices(int n, bool real) {
   return arrange(exponent, f.primes);
 }
 
+std::vector<int> lane_radices(int n) {
+  std::vector<int> list = radices(n, false);
+  const auto two = std::ranges::find(list, 2), three = std::ranges::find(list, 3);
+  if (two != list.end() && three != list.end()) {
+    *two = 6;
+    list.erase(three);
+  }
+  return list;
+}
+
 int chirp_length(int n) {
   static constexpr int kLengths[] = {
       128,  144,  160,  192,  200,  256,  288,  320,  384,  400,  512,  576,  640,  768,  800, 1024,

@@ -10,6 +10,10 @@ namespace dft {
 // of an even length.
 std::vector<int> radices(int n, bool real);
 
+// The same for a transform in the lanes of vectors, where the order does not matter: a 2 and a 3
+// make a 6.
+std::vector<int> lane_radices(int n);
+
 // The cheap length of at least 2 n - 1 in which the convolution method works.
 int chirp_length(int n);
 

@@ -96,17 +96,22 @@ void lane_pass(const dft::Pass& pass, const float* twiddles, Elements in, Out ou
   }
 }
 
+template <class F>
+[[gnu::always_inline]] inline void with_lane_kernel(int radix, F f) {
+  radix == 6 ? f(std::integral_constant<int, 6>{}) : void(with_kernel(radix, f));
+}
+
 template <class V, class In, class Out>
 void run_first_lane_pass(const dft::Spec& spec, In in, Out out) {
   const dft::Pass& pass = spec.core.columns.pass[0];
-  with_kernel(pass.radix, [&](auto radix) {
+  with_lane_kernel(pass.radix, [&](auto radix) {
     first_lane_pass<V, radix>(pass, dft::table(spec, pass.table), in, out);
   });
 }
 
 template <class V, class Out>
 void run_lane_pass(const dft::Spec& spec, const dft::Pass& pass, Elements in, Out out) {
-  with_kernel(pass.radix, [&](auto radix) {
+  with_lane_kernel(pass.radix, [&](auto radix) {
     lane_pass<V, radix>(pass, dft::table(spec, pass.table), in, out);
   });
 }

@@ -217,14 +217,20 @@ void Builder::chirp() {
 
 }  // namespace
 
-// Lanes that hold whole sub-transforms: as wide as the engine has them, if there is at least one
-// vector of bins, and a kernel for each factor; else 0.
+// From which length on so many lanes hold sub-transforms of their own. The widest vector wins as
+// soon as it has one block of bins, 2 lanes^2 samples: measured, 8 lanes take 0.77 of the time of 4
+// at 128 and 0.65 at 256. But sixteen by sixteen bins take all registers, and a single block cannot
+// overlap with the next one: 512 bits start at two blocks.
+constexpr struct { int lanes, least; } kLanes[] = {{16, 1024}, {8, 128}, {4, 32}};
+
+// The lanes for a length, or 0 if none suit it: they need whole vectors of samples, a kernel for
+// each factor, and arrays that fit the cache.
 int choose_lanes(int length) {
-  for (int lanes = engine().lanes; lanes >= 4; lanes /= 2) {
-    const int each = length / (2 * lanes);
-    if (length % (2 * lanes) != 0 || each < lanes || length / 2 > kLongestInCache) continue;
-    const std::vector<int> list = radices(each, false);
-    if (!list.empty() && std::none_of(list.begin(), list.end(), is_generic)) return lanes;
+  if (length / 2 > kLongestInCache) return 0;
+  for (const auto& [lanes, least] : kLanes) {
+    if (lanes > engine().lanes || length < least || length % (2 * lanes) != 0) continue;
+    const std::vector<int> list = lane_radices(length / (2 * lanes));
+    if (!list.empty() && std::ranges::none_of(list, is_generic)) return lanes;
   }
   return 0;
 }
@@ -240,7 +246,7 @@ Setup plan(int length) {
   spec.lanes = choose_lanes(length);
   int core_length = spec.complex_length;
   if (spec.lanes > 0) core_length /= spec.lanes;
-  std::vector<int> list = radices(core_length, odd);
+  std::vector<int> list = spec.lanes > 0 ? lane_radices(core_length) : radices(core_length, odd);
   spec.chirp = list.empty();
   if (spec.lanes > 0) {
     spec.weights = place.take(std::int64_t{4} * spec.lanes * (core_length + 1));

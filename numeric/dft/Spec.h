@@ -78,7 +78,7 @@ constexpr std::size_t fused_row(int blocks) {
 }
 
 // A radix without a kernel of its own; its table starts with the roots of unity of the radix.
-constexpr bool is_generic(int radix) { return radix > 8 || radix == 6; }
+constexpr bool is_generic(int radix) { return radix > 8; }
 
 // Work arrays of one transform, in floats from the aligned start of the work block.
 struct WorkLayout {
