@@ -63,7 +63,7 @@ void _conv_exp_2tap_recursive_pow2(const AlignedVector<float>& x, float a, float
                                    AlignedVector<FFTWrap<float>*>& ffts,
                                    AlignedVector<AlignedVector<complex>*>& spectra);
 // The same without allocation. n is a power of two; x has n samples and is overwritten, y has
-// 2 * n, fft_in at least n, fft_out at least n / 2 + 1, each work array 2 * n.
+// 2 * n, fft_in at least n, fft_out at least n / 2 + 1, work_a n, work_b 2 * n; work_c is not used.
 void _conv_exp_2tap_recursive_pow2_inplace(float* x, float a, float b, float* y,
                                            AlignedVector<float>& fft_in,
                                            AlignedVector<complex>& fft_out, float* work_a,

@@ -52,27 +52,29 @@ void add(float* y, const float* x, int n) {
 
 // The same as raise_spectrum, for an exponent that is a power of two.
 void raise(AlignedVector<complex>& X, int exponent) {
-  const AlignedVector<complex> base = X;
-  const int bins = static_cast<int>(X.size());
-  render_kernels().raise(reinterpret_cast<const float*>(base.data()),
-                         std::countr_zero(static_cast<unsigned>(exponent)),
-                         reinterpret_cast<float*>(X.data()), bins);
-  for (std::size_t k = 0; k < X.size(); ++k) {
-    if (!std::isnan(X[k].real()) && !std::isnan(X[k].imag())) continue;
-    X[k] = base[k];
-    raise_spectrum(&X[k], 1, exponent);
+  const int squarings = std::countr_zero(static_cast<unsigned>(exponent));
+  std::array<complex, 512> base;
+  for (std::size_t first = 0; first < X.size(); first += base.size()) {
+    const std::size_t count = std::min(base.size(), X.size() - first);
+    complex* const result = X.data() + first;
+    std::copy_n(result, count, base.begin());
+    render_kernels().raise(reinterpret_cast<const float*>(base.data()), squarings,
+                           reinterpret_cast<float*>(result), static_cast<int>(count));
+    for (std::size_t k = 0; k < count; ++k) {
+      if (!std::isnan(result[k].real()) && !std::isnan(result[k].imag())) continue;
+      result[k] = base[k];
+      raise_spectrum(&result[k], 1, exponent);
+    }
   }
 }
 
 // The transform of each level and the spectrum of the filter to the power of half its length.
 // Owns both; the recursion sees them as arrays of pointers.
 struct DecayTables {
-  void build(int P, float a, float b) {
+  // taps are the two of the filter, and zeros up to P.
+  void build(Samples& taps, int P) {
     for (int n = P;; n /= 2) {
       owned_ffts.push_back(std::make_unique<FFTWrap<float>>(n));
-      Samples taps(to_size(n));
-      taps[0] = a;
-      taps[1] = b;
       owned_spectra.push_back(std::make_unique<AlignedVector<complex>>(to_size(n / 2 + 1)));
       AlignedVector<complex>& spectrum = *owned_spectra.back();
       owned_ffts.back()->forward_real_2_cpx(taps, spectrum);
@@ -139,19 +141,22 @@ void conv_exp_2tap_recursive(const AlignedVector<float>& x, float a, float b,
 void conv_exp_2tap_recursive_pow2(const AlignedVector<float>& x, float a, float b,
                                   AlignedVector<float>& y) {
   const int P = static_cast<int>(std::bit_ceil(x.size()));
+  Samples fft_in(to_size(P));
   DecayTables tables;
-  if (P > 1) tables.build(P, a, b);
+  if (P > 1) {
+    fft_in[0] = a;
+    fft_in[1] = b;
+    tables.build(fft_in, P);
+  }
 
   Samples padded(to_size(P));
   std::copy(x.begin(), x.end(), padded.begin());
   y.resize(2 * to_size(P));
-  Samples work_a(2 * to_size(P));
-  Samples work_b(2 * to_size(P));
-  Samples work_c(2 * to_size(P));
-  Samples fft_in(to_size(P));
+  Samples filtered(to_size(P));
+  Samples halves(2 * to_size(P));
   AlignedVector<complex> fft_out(to_size(P / 2 + 1));
   _conv_exp_2tap_recursive_pow2_inplace(padded.data(), a, b, y.data(), fft_in, fft_out,
-                                        work_a.data(), work_b.data(), work_c.data(), 0, tables.ffts,
+                                        filtered.data(), halves.data(), nullptr, 0, tables.ffts,
                                         tables.spectra, P);
   y.resize(2 * x.size());
 }
@@ -197,23 +202,20 @@ void _conv_exp_2tap_recursive_pow2_inplace(float* x, float a, float b, float* y,
   FFTWrap<float>& fft = *ffts[to_size(level)];
   const AlignedVector<complex>& spectrum = *spectra[to_size(level)];
   const auto recurse = [&](float* out) {
-    _conv_exp_2tap_recursive_pow2_inplace(x, a, b, out, fft_in, fft_out, work_a + n, work_b + n,
-                                          work_c + n, level + 1, ffts, spectra, h);
+    _conv_exp_2tap_recursive_pow2_inplace(x, a, b, out, fft_in, fft_out, work_a, work_b + n, work_c,
+                                          level + 1, ffts, spectra, h);
   };
-
-  recurse(work_a);
-  std::copy_n(work_a, h, y);
-  std::fill_n(y + h, h, 0.0f);
+  recurse(y);
 
   float* const in = fft_in.data();
   std::copy_n(x + h, h, in);
   std::fill_n(in + h, h, 0.0f);
-  filter(fft, in, fft_out.data(), spectrum, work_b, n);
-  std::copy_n(work_b + h, h, in);
+  filter(fft, in, fft_out.data(), spectrum, work_a, n);
+  std::copy_n(work_a + h, h, in);
   filter(fft, in, fft_out.data(), spectrum, y + n, n);
 
-  std::copy_n(work_b, h, x);
-  add(x, work_a + h, h);
-  recurse(work_c);
-  add(y + h, work_c, n);
+  for (int i = 0; i < h; ++i) x[i] = work_a[i] + y[h + i];
+  recurse(work_b);
+  for (int i = 0; i < h; ++i) y[h + i] = 0.0f + work_b[i];  // -0 becomes 0
+  add(y + n, work_b + h, h);
 }
