@@ -9,17 +9,17 @@ namespace {
 template <class V>
 constexpr int kLanes = sizeof(V) / sizeof(float);
 
-// Adds all shifts, in their order, to so many vectors of cells from row on, which is aligned.
+// Adds all shifts, in their order, to so many vectors of cells from row on.
 template <class V, int vectors>
 void add_block(float* row, const float* previous, const Shift* first, const Shift* last) {
   V sum[vectors];
-  for (int k = 0; k < vectors; ++k) sum[k] = V::load_aligned(row + kLanes<V> * k);
+  for (int k = 0; k < vectors; ++k) sum[k] = V::load(row + kLanes<V> * k);
   for (const Shift* shift = first; shift != last; ++shift) {
     const float* const source = previous + shift->back;
     const V factor = V::set1(shift->factor);
     for (int k = 0; k < vectors; ++k) sum[k] = sum[k] + V::load(source + kLanes<V> * k) * factor;
   }
-  for (int k = 0; k < vectors; ++k) sum[k].store_aligned(row + kLanes<V> * k);
+  for (int k = 0; k < vectors; ++k) sum[k].store(row + kLanes<V> * k);
 }
 
 void add_cell(float* row, const float* previous, const Shift* first, const Shift* last) {
