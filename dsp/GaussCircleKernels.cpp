@@ -12,7 +12,7 @@
 namespace {
 
 // A tile and the parts of the previous row that one pass reads stay in the second-level cache.
-constexpr int kTileCells = 1 << 15;
+constexpr int kTileCells = 1 << 16;
 // Shifts per pass: as many streams as the processor fetches ahead.
 constexpr std::size_t kGroup = 12;
 // Row 1 is summed at its steps alone where these are fewer than its cells by this factor.

@@ -4,4 +4,4 @@
 #include "dsp/x86/Variants.h"
 #include "numeric/x86/Float8.h"
 
-const RenderKernels kRenderKernelsAvx2 = {add_shifts<Float8, 8>, distances, divisors, raise};
+const RenderKernels kRenderKernelsAvx2 = {add_shifts<Float8, 4>, distances, divisors, raise};
