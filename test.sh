@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# test.sh [release|debug|scalar|asan|tsan|fuzz]: installs what is missing, builds that preset with
-# warnings as errors and runs all tests in it. Without a name: release.
+# test.sh [release|debug|scalar|asan|tsan|cocoa|fuzz]: installs what is missing, builds that preset
+# with warnings as errors and runs all tests in it. Without a name: release.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 preset=${1:-release}
 case $preset in
   release | debug | scalar | asan | tsan) packages=(build test) ;;
+  cocoa) packages=(build test cocoa) ;;
   fuzz) packages=(build test fuzz) ;;
   *)
     sed -n '2,3s/^# //p' "$0" >&2
@@ -22,6 +23,14 @@ if [[ $preset == fuzz ]]; then
   cmake --build --preset fuzz --target fuzzers
   exec scripts/fuzz.sh "build/$preset"
 fi
+screen=(xvfb-run -a -s '-screen 0 1280x1024x24')
+if [[ $preset == cocoa ]]; then
+  cmake --build --preset cocoa --target graphics_mac_tests mac_module_tests
+  for program in graphics_mac_tests mac_module_tests; do
+    "${screen[@]}" "build/cocoa/tests/$program"
+  done
+  exit
+fi
 cmake --build --preset "$preset"
 scripts/check-promises "build/$preset"
 
@@ -31,4 +40,4 @@ run=(ctest --test-dir "build/$preset" --output-on-failure -j2)
 if [[ $preset == tsan ]] && setarch -R true 2>/dev/null; then
   run=(setarch -R "${run[@]}")
 fi
-exec xvfb-run -a -s '-screen 0 1280x1024x24' "${run[@]}"
+exec "${screen[@]}" "${run[@]}"

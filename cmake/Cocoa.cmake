@@ -8,6 +8,8 @@ foreach(config RELEASE DEBUG RELWITHDEBINFO)
   set(CMAKE_OBJCXX_FLAGS_${config} "${CMAKE_CXX_FLAGS_${config}}")
 endforeach()
 
+set(TOLMARA_BUNDLE_ID "com.Halden Merrow.vst.Tolmara")  # that the editor asks for
+
 add_library(tolmara_cocoa INTERFACE)
 # Methods cannot leave the names of arguments out.
 set(objcxx -std=c++20 -Wno-unused-parameter)

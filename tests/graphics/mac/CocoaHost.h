@@ -4,35 +4,32 @@
 #include <gtest/gtest.h>
 #import <objc/runtime.h>
 
-#include <functional>
-#include <string>
-
 #include "graphics/mac/IGraphicsCocoa.h"
 #include "graphics/mac/IGraphicsMac.h"
 #include "tests/graphics/Fixture.h"
 
-// A method of a class, or with `ofClass` of the class object, replaced for a scope.
+// A method of a class, or of its class object, replaced for a scope.
 class Replaced {
  public:
   template <class Function>
-  Replaced(Class owner, SEL selector, Function* with, bool ofClass = false)
-      : Replaced(owner, selector, reinterpret_cast<void*>(with), ofClass) {}
-  Replaced(Class owner, SEL selector, void* with, bool ofClass);
-  ~Replaced();
+  Replaced(Class owner, SEL selector, Function* with)
+      : mMethod(class_getInstanceMethod(owner, selector)),
+        mBefore(method_setImplementation(mMethod,
+                                         reinterpret_cast<IMP>(reinterpret_cast<void*>(with)))) {}
+  ~Replaced() { method_setImplementation(mMethod, mBefore); }
   Replaced(const Replaced&) = delete;
   Replaced& operator=(const Replaced&) = delete;
 
  private:
-  Class mOwner;
-  SEL mSelector;
+  Method mMethod;
   IMP mBefore;
 };
 
-// The host's view: counts the keys that nobody took.
+// The host's view; counts the keys that nobody took.
 @interface HostView : NSView {
+ @public
   int mKeys;
 }
-- (int)takeKeys;
 @end
 
 // Notes its mouse events with their modifiers, as "down 3 4 LS".
@@ -40,21 +37,25 @@ class LogControl : public ProbeControl {
  public:
   using ProbeControl::ProbeControl;
   bool Draw(IGraphics*) override { return true; }
-  void OnMouseDown(int x, int y, IMouseMod* mod) override;
+  void OnMouseDown(int x, int y, IMouseMod* mod) override {
+    Log("down", x, y, mod);
+    if (onPress) onPress();
+  }
   void OnMouseUp(int x, int y, IMouseMod* mod) override { Log("up", x, y, mod); }
   void OnMouseOver(int x, int y, IMouseMod* mod) override { Log("over", x, y, mod); }
-  void TextFromTextEntry(const char* text) override { log += std::string("text ") + text + ";"; }
+  void TextFromTextEntry(const char* text) override { log += std::string("text ") + text; }
   std::string TakeLog() { return std::exchange(log, ""); }
 
   std::function<void()> onPress;
 
  private:
-  void Log(const char* what, int x, int y, const IMouseMod* mod);
-
+  void Log(const char* what, int x, int y, const IMouseMod* mod) {
+    log += std::string(what) + " " + std::to_string(x) + " " + std::to_string(y) + " " +
+           (mod->L ? "L" : "") + (mod->R ? "R" : "") + (mod->S ? "S" : "") + (mod->C ? "C" : "") +
+           (mod->A ? "A" : "") + ";";
+  }
   std::string log;
 };
-
-void RunFor(double seconds, NSString* mode = NSDefaultRunLoopMode);
 
 class CocoaTest : public ::testing::Test {
  protected:
@@ -72,18 +73,22 @@ class CocoaTest : public ::testing::Test {
   }
   IGraphicsCocoa* Open();
   IGraphicsCocoa* View() const { return (IGraphicsCocoa*)graphics->GetWindow(); }
-  NSTextField* Field() const { return [[View() subviews] lastObject]; }
+  NSTextField* OpenField(IControl* control, const char* str, int param = -1);
   void TypeInto(NSString* text);  // the open field, replacing its text
-  void EndField();                // as the return key does
+  void EndField() { [[[[View() subviews] lastObject] currentEditor] insertNewline:nil]; }
+  void RunFor(double seconds, NSString* mode = NSDefaultRunLoopMode);
 
   // At a place as controls get it.
-  NSEvent* Mouse(NSEventType type, int x, int y, NSUInteger flags = 0, int clicks = 1) const;
-  NSEvent* Wheel(int x, int y, CGFloat distance) const;
-  static NSEvent* Key(NSString* characters, unsigned short code = 0);
+  NSEvent* Mouse(NSEventType type, int x, int y, NSUInteger flags = 0, int clicks = 1,
+                 CGFloat deltaY = 0) const;
 
-  NSAutoreleasePool* pool;
+  NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
   TestPlug plug;
-  IGraphicsMac* graphics;  // owned by the plug-in
-  NSWindow* window;
-  HostView* host;
+  IGraphicsMac* graphics = new IGraphicsMac(&plug, kWidth, kHeight, 0);  // owned by the plug-in
+  NSWindow* window = MakeWindow(NSMakeRect(300, 200, 260, 150));
+  HostView* host = [[HostView alloc] initWithFrame:NSMakeRect(kLeft, kBottom, 240, 120)];
+  IText style;
+  IRECT fieldRect{20, 30, 70, 46};
+
+  static NSWindow* MakeWindow(NSRect place);
 };
