@@ -15,6 +15,7 @@ else()
   set_target_properties(Tolmara PROPERTIES SUFFIX "" LIBRARY_OUTPUT_DIRECTORY ${bundle})
   configure_file(${CMAKE_SOURCE_DIR}/cmake/Info-gnustep.plist.in
                  ${bundle}/Resources/Info-gnustep.plist)
-  add_custom_command(TARGET Tolmara POST_BUILD
-    COMMAND ${CMAKE_COMMAND} -E copy ${pictures} ${bundle}/Resources)
+  foreach(picture ${pictures})
+    configure_file(${picture} ${bundle}/Resources COPYONLY)
+  endforeach()
 endif()

@@ -14,7 +14,8 @@ add_library(tolmara_cocoa INTERFACE)
 # Methods cannot leave the names of arguments out.
 set(objcxx -std=c++20 -Wno-unused-parameter)
 if(APPLE)
-  list(APPEND objcxx -fno-objc-arc)
+  # clang-format takes out the blank between arguments without a name that the warning asks for.
+  list(APPEND objcxx -fno-objc-arc -Wno-missing-selector-name)
   target_link_libraries(tolmara_cocoa INTERFACE "-framework Cocoa")
   set(other_source CocoaPlatformGNUstep.mm)
 else()

@@ -26,8 +26,6 @@ class MouseRouter;
 - (void)detach;  // ends everything and forgets the editor
 
 - (void)onTimer:(NSTimer*)timer;
-// The place of a mouse event, as controls get it.
-- (void)getMouseXY:(NSEvent*)event x:(int*)x y:(int*)y;
 - (void)loseRelease;  // that of the mouse goes to a menu or dialog
 @end
 

@@ -37,6 +37,7 @@ int KeyOf(NSEvent* event) {
 }  // namespace
 
 @interface IGraphicsCocoa (Input)
+- (void)getMouseXY:(NSEvent*)event x:(int*)x y:(int*)y;
 - (MouseInput)inputOf:(NSEvent*)event holding:(EMouseButton)button;
 - (void)press:(EMouseButton)button by:(NSEvent*)event clicks:(NSInteger)clicks;
 - (void)release:(EMouseButton)button by:(NSEvent*)event;
@@ -116,12 +117,19 @@ int KeyOf(NSEvent* event) {
   if (mGraphics) mGraphics->DrawView(CanvasRect(rect, mGraphics->Height()));
 }
 
-// A press finds both buttons down as far as it can tell: that a release was lost shows when the
-// mouse moves.
-- (MouseInput)inputOf:(NSEvent*)event holding:(EMouseButton)button {
+// The place of a mouse event, as controls get it.
+- (void)getMouseXY:(NSEvent*)event x:(int*)x y:(int*)y {
   const NSPoint point = [self convertPoint:[event locationInWindow] fromView:nil];
-  MouseInput input = MouseInput::At(TruncateToPixel(std::floor(point.x)),
-                                    TruncateToPixel(std::floor(mGraphics->Height() - point.y)));
+  const MouseInput input =
+      MouseInput::At(TruncateToPixel(std::floor(point.x)),
+                     TruncateToPixel(std::floor(mGraphics->Height() - point.y)));
+  *x = input.x;
+  *y = input.y;
+}
+
+- (MouseInput)inputOf:(NSEvent*)event holding:(EMouseButton)button {
+  MouseInput input;
+  [self getMouseXY:event x:&input.x y:&input.y];
   input.left = button == kLeftButton;
   input.right = button == kRightButton;
   const NSUInteger flags = [event modifierFlags];
@@ -132,12 +140,8 @@ int KeyOf(NSEvent* event) {
   return input;
 }
 
-- (void)getMouseXY:(NSEvent*)event x:(int*)x y:(int*)y {
-  const MouseInput input = [self inputOf:event holding:kNoButton];
-  *x = input.x;
-  *y = input.y;
-}
-
+// Whether a press finds the other button down is not known, so it waits for that one. A release
+// that was lost shows when the mouse moves.
 - (void)press:(EMouseButton)button by:(NSEvent*)event clicks:(NSInteger)clicks {
   if (!mGraphics) return;
   [[self retain] autorelease];  // a control may close the editor

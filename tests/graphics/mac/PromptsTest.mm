@@ -83,28 +83,25 @@ using TextEntryTest = CocoaTest;
 TEST_F(TextEntryTest, TheFieldLooksAsItsStyleSaysAndEndsWithTheWheel) {
   auto* const control = Attach<LogControl>(IRECT(0, 0, 100, 100), kLevel);
   style.mAlign = IText::kAlignFar;
-  style.mTextEntryBGColor = kColorGreen;
   style.mSize = 20;
-  IGraphicsCocoa* const view = Open();
+  Open();
   EXPECT_EQ(OpenField(nullptr, "1"), nil);
   NSTextField* const field = OpenField(control, "0.25", kLevel);
   EXPECT_TRUE(NSEqualRects([field frame], NSMakeRect(20, kHeight - 46, 50, 16)));
   EXPECT_TRUE([[field stringValue] isEqual:@"0.25"]);
   EXPECT_EQ([field alignment], NSRightTextAlignment);
   EXPECT_EQ([[field font] pointSize], 18.0);
-  EXPECT_EQ([[field backgroundColor] greenComponent], 1.0);
-  EXPECT_FALSE([field isBordered] || [field isBezeled]);
   EXPECT_EQ(OpenField(control, "0.5", kLevel), field);  // there is one
-  [view mouseDown:Mouse(NSLeftMouseDown, 5, 5)];
-  [view mouseDragged:Mouse(NSLeftMouseDragged, 9, 9)];  // waits for its end
-  [view mouseUp:Mouse(NSLeftMouseUp, 9, 9)];
+  [View() mouseDown:Mouse(NSLeftMouseDown, 5, 5)];
+  [View() mouseDragged:Mouse(NSLeftMouseDragged, 9, 9)];  // waits for its end
+  [View() mouseUp:Mouse(NSLeftMouseUp, 9, 9)];
   TypeInto(@"1");
   plug.TakeCalls();
-  [view scrollWheel:Mouse(NSScrollWheel, 5, 5, 0, 0, 1)];
+  [View() scrollWheel:Mouse(NSScrollWheel, 5, 5, 0, 0, 1)];
   EXPECT_EQ(control->TakeEvents(), Calls{"wheel 1 0"});
-  EXPECT_EQ([[view subviews] count], 0U);
-  EXPECT_EQ([window firstResponder], view);
-  EXPECT_EQ(plug.TakeCalls(), (Calls{"begin 0", "end 0"}));
+  EXPECT_EQ([[View() subviews] count], 0U);
+  EXPECT_EQ([window firstResponder], View());
+  EXPECT_EQ(plug.TakeCalls(), (Calls{"begin 0", "end 0"}));  // of the wheel
 }
 
 TEST_F(TextEntryTest, ItTakesOnlyWhatItsParameterAllowsAndGivesItOnce) {
@@ -152,25 +149,24 @@ using DialogTest = CocoaTest;
 
 TEST_F(DialogTest, AMessageBoxHasTheButtonsOfItsType) {
   const Replaced run([NSAlert class], @selector(runModal), RunPanel);
-  const struct {
-    int type;
-    const char* buttons;
-    NSInteger pressed;
-    int answer;
-  } cases[] = {{0, "OK ", 0, 1},     {1, "OK Cancel ", 1, 2},     {1, "OK Cancel ", -9, 2},
-               {4, "Yes No ", 1, 7}, {3, "Yes No Cancel ", 0, 6}, {77, "OK ", 0, 1}};
-  for (const auto& [type, buttons, pressed, answer] : cases) {
-    gOnRun = [&](id alert) {
-      std::string titles;
-      for (NSUInteger i = 0; i < [[alert buttons] count]; ++i) {
-        titles += [[[[alert buttons] objectAtIndex:i] title] UTF8String] + std::string(" ");
-      }
-      EXPECT_EQ(titles, buttons);
-      EXPECT_TRUE([[alert messageText] isEqual:@"caption"]);
-      return NSAlertFirstButtonReturn + pressed;
-    };
-    EXPECT_EQ(graphics->ShowMessageBox("text", "caption", type), answer);
-  }
+  std::string buttons;
+  NSInteger pressed = 1;
+  gOnRun = [&](id alert) {
+    buttons = [[alert messageText] UTF8String];
+    for (NSUInteger i = 0; i < [[alert buttons] count]; ++i) {
+      buttons += std::string(" ") + [[[[alert buttons] objectAtIndex:i] title] UTF8String];
+    }
+    return NSAlertFirstButtonReturn + pressed;
+  };
+  EXPECT_EQ(graphics->ShowMessageBox("text", "caption", 3), 7);
+  EXPECT_EQ(buttons, "caption Yes No Cancel");
+  EXPECT_EQ(graphics->ShowMessageBox("text", "caption", 4), 7);
+  EXPECT_EQ(buttons, "caption Yes No");
+  EXPECT_EQ(graphics->ShowMessageBox("text", "caption", 1), 2);
+  EXPECT_EQ(buttons, "caption OK Cancel");
+  pressed = -9;  // none of them
+  EXPECT_EQ(graphics->ShowMessageBox(nullptr, nullptr, 77), 1);
+  EXPECT_EQ(buttons, " OK");
 }
 
 TEST_F(DialogTest, AFileIsAskedForInItsFolderAndOfItsTypes) {

@@ -66,21 +66,16 @@ TEST_F(WindowTest, TwoEditorsDoNotDisturbEachOther) {
   TestPlug other;
   auto* const second = new IGraphicsMac(&other, 0, 0, 0);  // without a size
   other.AttachGraphics(second);
-  IGraphicsCocoa* const view = Open();
+  Open();
   auto* const empty = (IGraphicsCocoa*)second->OpenWindow(host);
   [window display];
   [empty mouseDown:Mouse(NSLeftMouseDown, 10, 10)];
   EXPECT_EQ(control->TakeLog(), "");
   second->CloseWindow();
-  [view mouseDown:Mouse(NSLeftMouseDown, 10, 10)];
+  [View() mouseDown:Mouse(NSLeftMouseDown, 10, 10)];
   EXPECT_EQ(control->TakeLog(), "down 10 10 L;");
-}
-
-TEST_F(WindowTest, ResizesItsViewWithoutTheFieldOfAControlThatIsGone) {
-  Open();
-  OpenField(Attach<LogControl>(IRECT(0, 0, 50, 50), kLevel), "1", kLevel);
-  graphics->Resize(kWidth, kHeight);
-  EXPECT_EQ(graphics->NControls(), 1);
+  // Another size takes the controls away, and the field of one of them.
+  OpenField(control, "1", kLevel);
   graphics->Resize(150, 80);
   EXPECT_EQ([[View() subviews] count], 0U);
   EXPECT_TRUE(NSEqualSizes([View() frame].size, NSMakeSize(150, 80)));
