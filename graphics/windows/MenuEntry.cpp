@@ -24,8 +24,8 @@ MenuEntry MenuEntryOf(const IPopupMenu& menu, int index) {
   entry.separator = (flags & IPopupMenuItem::kSeparator) != 0;
   if (entry.separator) return entry;
   entry.text = Title(item, menu.GetPrefix(), index + 1);
-  // kept: a title is indented and can be chosen like any item. Menus that use titles to show a level
-  // would lose those choices.
+  // kept: a title is indented and can be chosen like any item. Menus that use titles to show a
+  // level would lose those choices.
   entry.indented = (flags & IPopupMenuItem::kTitle) != 0;
   entry.checked = (flags & IPopupMenuItem::kChecked) != 0;
   entry.enabled = (flags & IPopupMenuItem::kDisabled) == 0;
