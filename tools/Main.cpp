@@ -77,7 +77,7 @@ int Run(int argc, char** argv) {
   if (!words.empty() && words[0] == "help") HelpInsteadOf(words);
   if (!words.empty()) RequireKnownCommand(app, words[0]);
   try {
-    app.parse({words.rbegin(), words.rend()});
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::ParseError& error) {
     // A request for help is one of these too, with a code of 0.
     if (error.get_exit_code() != 0) return Fail(error.what(), ExitCode::kUsage);

@@ -54,7 +54,7 @@ class FailureTest : public ToolTest {
 
 TEST_F(FailureTest, NamesWhatIsWrongWithTheCommandLine) {
   Expect({}, 2, "subcommand");
-  Expect({"--version"}, 2, "a command comes first");
+  Expect({"--frobnicate"}, 2, "a command comes first");
   Expect({"rende", "in.wav", "out.wav"}, 2, "the nearest is \"render\"");
   Expect({"render", "in.wav"}, 2, "OUT");
   Expect({"params", "--set", "Level"}, 2, "Name=value");
@@ -107,7 +107,7 @@ TEST_F(FailureTest, NamesWhyASharedObjectCannotBeUsed) {
       {"folder", "cannot load folder"},
       {"no_entry.so", "is no VST2 plug-in: it exports neither VSTPluginMain nor main"},
       {"null_entry.so", "refused to make an effect"},
-      {"wrong_magic.so", "is no VST2 plug-in: what its VSTPluginMain returns"},
+      {"wrong_magic.so", "is no VST2 plug-in: what its entry point returns"},
       {"plain_effect.so", "cannot take sound of 2 channels"},
   };
   for (const auto& [plugin, line] : cases) ExpectOfRender({"--plugin", plugin}, 5, line);
