@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# install-packages.sh [build] [test] [cocoa] [fuzz] [bench] [art]: installs what is missing of the
-# Debian packages that building, testing, fuzzing, measuring or drawing the editor's pictures need.
-# Asks nothing of the network when all are there.
+# install-packages.sh [build] [test] [cocoa] [tidy] [fuzz] [bench] [art]: installs what is missing
+# of the Debian packages that building, testing, checking, fuzzing, measuring or drawing the
+# editor's pictures need. Asks nothing of the network when all are there.
 set -euo pipefail
 
 declare -A sets=(
@@ -10,6 +10,7 @@ declare -A sets=(
            libcli11-dev nlohmann-json3-dev libgtest-dev fonts-dejavu-core gnuplot-nox"
   [test]="clang-format xvfb xauth"
   [cocoa]="gobjc++ libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime"
+  [tidy]="clang clang-tidy"
   [fuzz]="clang libclang-rt-14-dev"
   [bench]="libbenchmark-dev libfftw3-dev libzita-convolver-dev"
   [art]="librsvg2-bin"
