@@ -1,4 +1,4 @@
-// The half of a plug-in that knows no host interface. Tolmara uses parameters, one stereo pair of
+// The half of a plug-in that knows no host interface. Tolmara uses parameters, mono and stereo
 // channels, preset slots filled from values, state and the editor; it uses no MIDI, transport,
 // latency, bus label, preset file or preset text.
 #pragma once

@@ -169,10 +169,6 @@ TEST(Numbers, ReadingIsAsLenientAsTheLibrarysOwn) {
 }
 
 TEST(Numbers, ConversionsToIntegersSaturate) {
-  EXPECT_EQ(SaturateToInt(kNaN), 0);
-  EXPECT_EQ(SaturateToInt(kInf), INT_MAX);
-  EXPECT_EQ(SaturateToInt(-1e12), INT_MIN);
-  EXPECT_EQ(SaturateToInt(-2.9), -2);
   EXPECT_EQ(SaturateToInt(std::int64_t{1} << 40), INT_MAX);
   EXPECT_EQ(SaturateToInt(-(std::int64_t{1} << 40)), INT_MIN);
 }
