@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "plugin/FlushToZero.h"
 #include "plugin/Tolmara.h"
 
 class TolmaraProbe {
@@ -24,7 +25,8 @@ class TolmaraProbe {
   bool Idle() const { return mPlugin->LoadWorkerState().mWorkerIdle; }
   bool SwapPending() const { return mPlugin->LoadWorkerState().mSwapPending; }
   bool KeepsSynthesiser() const { return mPlugin->mFIR != nullptr; }
-  const AlignedVector<float>& Synthesised() const { return mPlugin->mFIR->FIR; }
+  const FIROrtho<float>& Synthesiser() const { return *mPlugin->mFIR; }
+  const AlignedVector<float>& Synthesised() const { return Synthesiser().FIR; }
   const void* Active(size_t channel) const { return mPlugin->mConvActive.at(channel).get(); }
   size_t NextCount() const { return mPlugin->mConvNext.size(); }
   const void* Next(size_t channel) const { return mPlugin->mConvNext.at(channel).get(); }
@@ -70,19 +72,38 @@ class TolmaraProbe {
       WaitForWorker();
     } while (Dirty() || SwapPending());
   }
+  // The response of the settings at hand at a rate in Hz, on this thread; nothing sounds of it.
+  AlignedVector<float> Render(int sampleRate) {
+    const ScopedFlushToZero flushToZero;
+    auto settings = mPlugin->CurrentSettings();
+    settings.sampleRate = sampleRate;
+    return mPlugin->Response(settings);
+  }
+  struct Sound {
+    std::vector<double> left, right;
+  };
+  // What comes out for an input on both channels, out of silence, without the delay of one block.
+  Sound Play(const std::vector<double>& input) {
+    mPlugin->Reset();
+    Sound sound{input, input};
+    for (auto* channel : {&sound.left, &sound.right})
+      channel->resize(input.size() + 2 * BlockSize());
+    for (size_t at = 0; at + BlockSize() <= sound.left.size(); at += BlockSize()) {
+      Process(sound.left, sound.right, static_cast<int>(BlockSize()), at);
+    }
+    for (auto* channel : {&sound.left, &sound.right}) {
+      channel->erase(channel->begin(), channel->begin() + static_cast<std::ptrdiff_t>(BlockSize()));
+      channel->resize(input.size());
+    }
+    return sound;
+  }
   // What comes out for a single 1 at the input, without the delay of one block. Transforms round by
   // where in a partition the 1 falls, so two runs agree to the last bit only on convolvers that
   // have run equally long.
   std::vector<double> Response(size_t count) {
-    mPlugin->Reset();
-    std::vector<double> left(count + 2 * BlockSize()), right(left.size());
-    left[0] = right[0] = 1.0;
-    for (size_t at = 0; at + BlockSize() <= left.size(); at += BlockSize()) {
-      Process(left, right, static_cast<int>(BlockSize()), at);
-    }
-    left.erase(left.begin(), left.begin() + static_cast<std::ptrdiff_t>(BlockSize()));
-    left.resize(count);
-    return left;
+    std::vector<double> impulse(count);
+    impulse[0] = 1.0;
+    return Play(impulse).left;
   }
   size_t BlockSize() const { return static_cast<size_t>(mPlugin->mBlockSize); }
 
