@@ -2,11 +2,7 @@
 # per instruction set, each in a source of its own with flags of its own; the engine picks one at
 # its first use. The folders x86 hold those of x86-64, the folders scalar the one of other builds.
 set(TOLMARA_DFT_VARIANTS numeric/dft/scalar numeric/scalar)
-set(processor ${CMAKE_SYSTEM_PROCESSOR})
-if(APPLE AND CMAKE_OSX_ARCHITECTURES)
-  set(processor ${CMAKE_OSX_ARCHITECTURES})
-endif()
-if(processor MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
+if(TOLMARA_PROCESSOR MATCHES "x86_64|AMD64|amd64" AND NOT TOLMARA_SCALAR)
   set(TOLMARA_DFT_VARIANTS numeric/dft/x86 numeric/x86)
   # Left to itself the compiler copies pairs of pointers as vectors, which stalls short transforms:
   # a vector load waits for the two narrow stores before it.

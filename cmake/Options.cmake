@@ -30,3 +30,9 @@ endif()
 if(TOLMARA_FUZZ)
   target_compile_options(tolmara_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+
+# What the code is built for, which on macOS need not be what it is built on.
+set(TOLMARA_PROCESSOR ${CMAKE_SYSTEM_PROCESSOR})
+if(APPLE AND CMAKE_OSX_ARCHITECTURES)
+  set(TOLMARA_PROCESSOR ${CMAKE_OSX_ARCHITECTURES})
+endif()
