@@ -1,7 +1,7 @@
 // What a spec block holds: the length, the scaling, and the plan by which it is transformed.
 //
-// A plan is a list of mixed-radix passes. The passes do not depend on the vector width, so one
-// spec block serves every variant of the kernels.
+// A plan is a list of mixed-radix passes. Where the lanes of vectors hold sub-transforms, plan and
+// tables depend on their number: a spec block serves the variant of the kernels that built it.
 #pragma once
 
 #include <cstddef>
