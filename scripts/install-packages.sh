@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# install-packages.sh [build] [test] [cocoa] [tidy] [fuzz] [bench] [art]: installs what is missing
-# of the Debian packages that building, testing, checking, fuzzing, measuring or drawing the
-# editor's pictures need. Asks nothing of the network when all are there.
+# install-packages.sh [build] [test] [cocoa] [tidy] [fuzz] [bench] [art] [valgrind]: installs what is
+# missing of the Debian packages that building, testing, checking, fuzzing, measuring, drawing the
+# editor's pictures or running under valgrind need. Asks nothing of the network when all are there.
 set -euo pipefail
 
 declare -A sets=(
@@ -14,6 +14,7 @@ declare -A sets=(
   [fuzz]="clang libclang-rt-14-dev"
   [bench]="libbenchmark-dev libfftw3-dev libzita-convolver-dev"
   [art]="librsvg2-bin"
+  [valgrind]="valgrind"
 )
 
 missing=()
