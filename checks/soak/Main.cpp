@@ -17,9 +17,9 @@
 
 namespace {
 
-constexpr int kWarmUpRounds = 3;       // until libraries have filled their caches
-constexpr unsigned kStalled_s = 1200;  // no round takes that long
-constexpr size_t kMoreHeap = 64 * 1024;
+constexpr int kWarmUpRounds = 1;          // in which libraries fill their caches
+constexpr unsigned kStalled_s = 1200;     // no round takes that long
+constexpr size_t kMoreHeap = 256 * 1024;  // some caches fill later; an instance has megabytes
 
 struct Options {
   std::uint64_t seed = 1;
