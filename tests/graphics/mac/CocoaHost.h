@@ -83,7 +83,7 @@ class CocoaTest : public ::testing::Test {
                  CGFloat deltaY = 0) const;
 
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-  TestPlug plug;
+  EditedPlug plug;
   IGraphicsMac* graphics = new IGraphicsMac(&plug, kWidth, kHeight, 0);  // owned by the plug-in
   NSWindow* window = MakeWindow(NSMakeRect(300, 200, 260, 150));
   HostView* host = [[HostView alloc] initWithFrame:NSMakeRect(kLeft, kBottom, 240, 120)];

@@ -63,7 +63,7 @@ TEST_F(WindowTest, OutlivesItsParentAndReleasesItsView) {
 
 TEST_F(WindowTest, TwoEditorsDoNotDisturbEachOther) {
   auto* const control = Attach<LogControl>(IRECT(0, 0, 50, 50), kLevel);
-  TestPlug other;
+  EditedPlug other;
   auto* const second = new IGraphicsMac(&other, 0, 0, 0);  // without a size
   other.AttachGraphics(second);
   Open();
