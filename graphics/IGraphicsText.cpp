@@ -98,7 +98,7 @@ IRECT Placed(const IRECT& rect, const LICE_Rect& extent, int align) {
   } else if (align == IText::kAlignFar) {
     r.L = r.R - width;
   } else {
-    r.L = LICE_CentredLeft(rect.L, rect.R, width);
+    r.L = static_cast<int>(LICE_CentredLeft(rect.L, rect.R, width));
     r.R = r.L + width;
   }
   r.B = r.T + height;

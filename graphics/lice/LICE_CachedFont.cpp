@@ -48,11 +48,11 @@ TextBox TurnedBox(const LICE_PlatformFont& font, LICE_CachedFont::Extent columns
           std::ceil(bottom) - std::floor(top)};
 }
 
-int AlignedLeft(const LICE_Rect& rect, int width, int flags) {
+std::int64_t AlignedLeft(const LICE_Rect& rect, int width, int flags) {
   constexpr int kAlignment = LICE_TEXT_NEAR | LICE_TEXT_CENTRE | LICE_TEXT_FAR;
   switch (flags & kAlignment) {
     case LICE_TEXT_CENTRE: return LICE_CentredLeft(rect.left, rect.right, width);
-    case LICE_TEXT_FAR: return rect.right - width;
+    case LICE_TEXT_FAR: return std::int64_t{rect.right} - width;
     default: return rect.left;
   }
 }
@@ -130,7 +130,7 @@ int LICE_CachedFont::DrawText(LICE_IBitmap* bitmap, const char* text, int length
   const float weight =
       flags & LICE_TEXT_USE_ALPHA ? static_cast<float>(LICE_GETA(mColor)) / 255.0f : 1.0f;
   const LICE_Surface surface(bitmap);
-  double x = AlignedLeft(*rect, static_cast<int>(box.width), flags) - box.left;
+  double x = static_cast<double>(AlignedLeft(*rect, static_cast<int>(box.width), flags)) - box.left;
   double y = rect->top - box.top;
   LICE_Rect unused{};
   for (const char32_t code : codes) {

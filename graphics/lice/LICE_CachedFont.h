@@ -1,6 +1,7 @@
 // Text on bitmaps, from a cache of glyph images. Tolmara uses all of it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -23,7 +24,7 @@ struct LICE_Rect {
 };
 
 // Where a text of that width begins when it is centred between two columns.
-constexpr int LICE_CentredLeft(int left, int right, int width) {
+constexpr std::int64_t LICE_CentredLeft(std::int64_t left, std::int64_t right, int width) {
   return (left + right) / 2 - width / 2;
 }
 
